@@ -30,8 +30,9 @@ struct ErrorValue {
 };
 inline constexpr int32_t kParamNotFound = static_cast<int32_t>(0x80020004u);
 
-// The three-way outcome of a comparison: Null when either side is Null.
-enum class Ordering { Less = -1, Equal = 0, Greater = 1, Null = 2 };
+// The outcome of a comparison: Unknown (the platform's Null) when either side
+// is Null or the values cannot be compared.
+enum class Ordering { Less = -1, Equal = 0, Greater = 1, Unknown = 2 };
 
 class Variant {
  public:
@@ -142,6 +143,7 @@ class Variant {
       return *this;
     }
     ArrayBox& operator=(ArrayBox&&) noexcept = default;
+    bool operator==(const ArrayBox& o) const { return *p == *o.p; }
   };
 
   using Storage = std::variant<std::monostate, NullValue, int16_t, int32_t, float, double,

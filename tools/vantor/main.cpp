@@ -1,0 +1,108 @@
+// The vantor command line. For now it reports its version and exercises the
+// run time: a smoke run and a few of the run time's functions on the
+// arguments, so that a person can see the locale-dependent behaviour at once.
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "runtime/Conversion.h"
+#include "runtime/DateTime.h"
+#include "runtime/Error.h"
+#include "runtime/Format.h"
+#include "runtime/Like.h"
+#include "runtime/Locale.h"
+#include "runtime/Strings.h"
+
+using namespace vantor;
+
+namespace {
+
+void Print(StringView s) { std::printf("%s\n", ToUtf8(s).c_str()); }
+
+// A value from the command line: a number if the locale reads it as one, a
+// date if it reads as a date, text otherwise.
+Variant ValueOf(const char* arg) {
+  const String text = FromUtf8(arg);
+  if (IsNumeric(Variant(text))) return Variant(CDbl(Variant(text)));
+  if (IsDate(Variant(text))) return Variant(CDate(Variant(text)));
+  return Variant(text);
+}
+
+int Usage() {
+  std::printf(
+      "usage: vantor [--locale pt-BR|en-US] COMMAND\n"
+      "  --version               print the version\n"
+      "  smoke                   run a short check of the run time and print what it does\n"
+      "  format VALUE PATTERN    Format(VALUE, PATTERN)\n"
+      "  like TEXT PATTERN       TEXT Like PATTERN\n"
+      "  cstr VALUE              CStr of the value as read\n");
+  return 2;
+}
+
+struct Check {
+  const char* what;
+  String got;
+  String want;
+};
+
+int Smoke() {
+  const Locale& loc = Locale::Current();
+  std::printf("Vantor run time, locale %s\n", ToUtf8(loc.Name()).c_str());
+  Err().Clear();
+  const Date jan31 = DateSerial(2024, 1, 31);
+  const bool br = loc.id() == Locale::Id::ptBR;
+  const std::vector<Check> checks = {
+      {"CInt(2.5)", CStr(CInt(2.5)), u"2"},
+      {"CInt(3.5)", CStr(CInt(3.5)), u"4"},
+      {"Format(1234.5, \"#,##0.00\")", Format(1234.5, u"#,##0.00"), br ? u"1.234,50" : u"1,234.50"},
+      {"\"abc\" Like \"a?c\"", CStr(Like(u"abc", u"a?c")), CStr(true)},
+      {"DateAdd(\"m\", 1, 31/01/2024)", Format(Variant(DateAdd(u"m", 1, jan31)), u"dd/mm/yyyy"),
+       u"29/02/2024"},
+      {"Format(31/12/2024, \"ww\")", Format(Variant(DateSerial(2024, 12, 31)), u"ww"), u"53"},
+      {"CStr(1/3)", CStr(1.0 / 3.0), br ? u"0,333333333333333" : u"0.333333333333333"},
+      {"UCase(\"ação\")", UCase(u"ação"), u"AÇÃO"},
+      {"Format(1234, \"@@@.@@@\")", Format(Variant(String(u"1234")), u"@@@.@@@"), u"  1.234"},
+  };
+  int failed = 0;
+  for (const auto& c : checks) {
+    const bool ok = c.got == c.want;
+    failed += ok ? 0 : 1;
+    std::printf("  %-36s %-20s %s\n", c.what, ToUtf8(c.got).c_str(), ok ? "ok" : "UNEXPECTED");
+  }
+  std::printf("Today is %s.\n", ToUtf8(Format(Variant(Today()), u"dddddd")).c_str());
+  std::printf("%zu passed, %d failed\n", checks.size() - failed, failed);
+  return failed == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<const char*> args(argv + 1, argv + argc);
+  if (args.size() >= 2 && std::strcmp(args[0], "--locale") == 0) {
+    const std::string name = args[1];
+    Locale::Set(name == "en-US" || name == "en_US" ? Locale::Id::enUS : Locale::Id::ptBR);
+    args.erase(args.begin(), args.begin() + 2);
+  }
+  if (args.empty()) return Usage();
+  const std::string cmd = args[0];
+  if (cmd == "--version" || cmd == "version") {
+    std::printf("vantor %s\n", VANTOR_VERSION);
+    return 0;
+  }
+  if (cmd == "smoke") return Smoke();
+  if (cmd == "format" && args.size() == 3) {
+    Print(Format(ValueOf(args[1]), FromUtf8(args[2])));
+    return 0;
+  }
+  if (cmd == "like" && args.size() == 3) {
+    const bool r = Like(FromUtf8(args[1]), FromUtf8(args[2]));
+    Print(CStr(r));
+    return Err() ? 1 : 0;
+  }
+  if (cmd == "cstr" && args.size() == 2) {
+    Print(CStr(ValueOf(args[1])));
+    return 0;
+  }
+  return Usage();
+}
