@@ -102,9 +102,11 @@ bool Collection::Remove(const Variant& index) {
   if (!items_[at].key.empty()) keys_.erase(Fold(items_[at].key));
   items_.erase(items_.begin() + position);
   // Removing in a loop is common, so the keys behind the gap move down one
-  // without folding every key again.
-  for (auto& [folded, slot] : keys_) {
-    if (slot > at) --slot;
+  // without folding every key again; taking the last item moves none.
+  if (at < items_.size()) {
+    for (auto& [folded, slot] : keys_) {
+      if (slot > at) --slot;
+    }
   }
   return true;
 }

@@ -1,5 +1,6 @@
 #include "runtime/String.h"
 
+#include <algorithm>
 #include <array>
 
 namespace vantor {

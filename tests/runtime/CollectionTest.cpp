@@ -207,6 +207,12 @@ TEST(Collection, ThousandsOfItems) {
     ASSERT_EQ(byKey.ToLong(), i);
     ASSERT_EQ(c.Item(Variant(i / 2)).ToLong(), i);
   }
+  // Then from the back, checking that the front keys never moved.
+  while (c.Count() > 1) {
+    ASSERT_TRUE(c.Remove(Variant(c.Count())));
+    ASSERT_EQ(c.Item(Variant(u"chaveç2")).ToLong(), 2);
+  }
+  EXPECT_FALSE(c.Exists(u"chaveç4"));
   EXPECT_EQ(ErrAfter(), 0);
 }
 
