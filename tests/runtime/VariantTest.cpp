@@ -190,7 +190,9 @@ TEST(VariantCoercion, ChangeTypeAndCanChangeTypeAgree) {
       EXPECT_EQ(Err().Number(), 0) << "CanChangeType must leave no trace";
       const Variant out = v.ChangeType(t);
       EXPECT_EQ(can, Err().Number() == 0) << ToUtf8(v.TypeName()) << " -> " << t;
-      if (can) EXPECT_EQ(out.Type(), t);
+      if (can) {
+        EXPECT_EQ(out.Type(), t);
+      }
     }
   }
 }
