@@ -72,7 +72,7 @@ int main(int argc, char** argv) {
       "strftime %U", [&] { benchmark::DoNotOptimize(std::strftime(buf, sizeof buf, "%U", &tm)); });
   Row("Format(s, \"@@@.@@@.@@@\")",
       [&] { benchmark::DoNotOptimize(Format(Variant(String(u"1234567")), u"@@@.@@@.@@@")); },
-      "snprintf %'d", [&] { benchmark::DoNotOptimize(std::snprintf(buf, sizeof buf, "%'d", 1234567)); });
+      "snprintf %d", [&] { benchmark::DoNotOptimize(std::snprintf(buf, sizeof buf, "%d", 1234567)); });
   Row("Like(s, \"*vendas*[0-9]#*.txt\")",
       [&] { benchmark::DoNotOptimize(Like(text, u"*vendas*[0-9]#*.txt")); }, "fnmatch",
       [&] { benchmark::DoNotOptimize(fnmatch("*vendas*[0-9][0-9]*.txt", textUtf8.c_str(), 0)); });
