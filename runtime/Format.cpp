@@ -6,6 +6,7 @@
 
 #include "runtime/DateFormat.h"
 #include "runtime/DateText.h"
+#include "runtime/FormatSections.h"
 #include "runtime/Error.h"
 #include "runtime/Locale.h"
 #include "runtime/NumberFormat.h"
@@ -102,24 +103,6 @@ String AsItIs(const Variant& value) {
   return value.ToString();
 }
 
-std::vector<StringView> Sections(StringView format) {
-  std::vector<StringView> sections;
-  size_t start = 0;
-  const size_t n = format.size();
-  for (size_t i = 0; i < n; ++i) {
-    if (format[i] == u'"') {
-      const size_t end = format.find(u'"', i + 1);
-      i = end == StringView::npos ? n : end;
-    } else if (format[i] == u'\\') {
-      ++i;
-    } else if (format[i] == u';') {
-      sections.push_back(format.substr(start, i - start));
-      start = i + 1;
-    }
-  }
-  sections.push_back(format.substr(start));
-  return sections;
-}
 
 enum class Engine { Number, Date, Text };
 
@@ -192,13 +175,9 @@ Engine Classify(StringView pattern) {
 }
 
 String FormatText(const Variant& value, StringView pattern) {
-  const std::vector<StringView> sections = Sections(pattern);
-  String text;
-  if (!value.IsNull()) text = value.ToString();
-  // The second section is for Null and the empty text.
-  if (sections.size() >= 2 && text.empty()) return TextFormat::Apply(text, sections[1]);
-  if (value.IsNull()) return {};
-  return TextFormat::Apply(text, sections[0]);
+  if (!value.IsNull()) return TextFormat::Apply(value.ToString(), pattern);
+  // Null shows only through the second section, the one for an empty text.
+  return FormatSections(pattern).size() >= 2 ? TextFormat::Apply({}, pattern) : String();
 }
 
 String FormatNumber(const Variant& value, StringView pattern, const Locale& locale) {

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "runtime/FormatSections.h"
 #include "runtime/NumberText.h"
 
 namespace vantor {
@@ -213,25 +214,6 @@ Layout Parse(StringView section, const Locale& locale) {
   return layout;
 }
 
-// Splits at the ";" that are neither quoted nor escaped.
-std::vector<StringView> Sections(StringView format) {
-  std::vector<StringView> sections;
-  size_t start = 0;
-  const size_t n = format.size();
-  for (size_t i = 0; i < n; ++i) {
-    if (format[i] == u'"') {
-      const size_t end = format.find(u'"', i + 1);
-      i = end == StringView::npos ? n : end;
-    } else if (format[i] == u'\\') {
-      ++i;
-    } else if (format[i] == u';') {
-      sections.push_back(format.substr(start, i - start));
-      start = i + 1;
-    }
-  }
-  sections.push_back(format.substr(start));
-  return sections;
-}
 
 void PutDigit(String& out, char digit) {
   out.push_back(static_cast<char16_t>(digit));
@@ -333,7 +315,7 @@ String Render(const Layout& layout, double magnitude, const Locale& locale) {
 
 String NumberFormat::Apply(double value, StringView format, const Locale& locale) {
   if (format.empty() || !std::isfinite(value)) return NumberText::General(value, locale);
-  const std::vector<StringView> sections = Sections(format);
+  const std::vector<StringView> sections = FormatSections(format);
   StringView section = sections[0];
   bool minus = false;
   if (value < 0) {
@@ -353,7 +335,7 @@ String NumberFormat::Apply(double value, StringView format, const Locale& locale
 }
 
 String NumberFormat::ApplyNull(StringView format, const Locale& locale) {
-  const std::vector<StringView> sections = Sections(format);
+  const std::vector<StringView> sections = FormatSections(format);
   if (sections.size() < 4) return {};
   const Layout layout = Parse(sections[3], locale);
   // Only the text of the Null section shows; it has no number to place.
