@@ -6,15 +6,12 @@
 #include <string>
 
 #include "runtime/Error.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-int32_t ErrAfter() {
-  const int32_t n = Err().Number();
-  Err().Clear();
-  return n;
-}
+using namespace test;
 
 String TextOf(const Variant& v) {
   const String* s = v.As<String>();

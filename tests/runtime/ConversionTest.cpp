@@ -7,35 +7,12 @@
 #include <memory>
 
 #include "runtime/Error.h"
-#include "tests/runtime/LocaleGuard.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-using test::LocaleGuard;
-
-// Runs a conversion with a clean error object and reports the error it left.
-template <class F>
-int32_t ErrorOf(F&& f) {
-  Err().Clear();
-  f();
-  const int32_t number = Err().Number();
-  Err().Clear();
-  return number;
-}
-
-class Answer : public Object {
- public:
-  explicit Answer(Variant value) : value_(std::move(value)) {}
-  String ClassName() const override { return u"Answer"; }
-  bool DefaultValue(Variant& out) const override {
-    out = value_;
-    return true;
-  }
-
- private:
-  Variant value_;
-};
+using namespace test;
 
 class Mute : public Object {
  public:

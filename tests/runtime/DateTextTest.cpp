@@ -6,17 +6,12 @@
 
 #include "runtime/DateTime.h"
 #include "runtime/Error.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-class EnglishLocale {
- public:
-  EnglishLocale() { Locale::Set(Locale::Id::enUS); }
-  ~EnglishLocale() { Locale::Set(Locale::Id::ptBR); }
-  EnglishLocale(const EnglishLocale&) = delete;
-  EnglishLocale& operator=(const EnglishLocale&) = delete;
-};
+using namespace test;
 
 const Locale& Portuguese() {
   return Locale::Get(Locale::Id::ptBR);

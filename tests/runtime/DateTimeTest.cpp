@@ -8,21 +8,12 @@
 
 #include "runtime/Error.h"
 #include "runtime/Locale.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-class EnglishLocale {
- public:
-  EnglishLocale() { Locale::Set(Locale::Id::enUS); }
-  ~EnglishLocale() { Locale::Set(Locale::Id::ptBR); }
-  EnglishLocale(const EnglishLocale&) = delete;
-  EnglishLocale& operator=(const EnglishLocale&) = delete;
-};
-
-Date At(int y, int m, int d, int h = 0, int n = 0, int s = 0) {
-  return Date(DateSerial(y, m, d).Serial() + TimeSerial(h, n, s).Serial());
-}
+using namespace test;
 
 struct Parts {
   int y, m, d, h, n, s;

@@ -5,28 +5,15 @@
 #include <memory>
 
 #include "runtime/Error.h"
-#include "tests/runtime/LocaleGuard.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-using test::LocaleGuard;
+using namespace test;
 
 // 15 March 2023.
 constexpr double kIdes = 45000.0;
-
-class Answer : public Object {
- public:
-  explicit Answer(Variant value) : value_(std::move(value)) {}
-  String ClassName() const override { return u"Answer"; }
-  bool DefaultValue(Variant& out) const override {
-    out = value_;
-    return true;
-  }
-
- private:
-  Variant value_;
-};
 
 struct Case {
   Variant value;

@@ -7,17 +7,12 @@
 #include <vector>
 
 #include "runtime/Error.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-// Each check starts from a clear error object so that the error a call leaves
-// can be told from one left by an earlier case.
-int32_t ErrAfter() {
-  const int32_t n = Err().Number();
-  Err().Clear();
-  return n;
-}
+using namespace test;
 
 constexpr auto T = vbTextCompare;
 constexpr auto B = vbBinaryCompare;

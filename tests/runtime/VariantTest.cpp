@@ -4,27 +4,13 @@
 
 #include <cmath>
 
-#include "LocaleGuard.h"
 #include "runtime/Error.h"
+#include "tests/runtime/TestSupport.h"
 
 namespace vantor {
 namespace {
 
-using test::LocaleGuard;
-
-class Answer : public Object {
- public:
-  explicit Answer(Variant v) : v_(std::move(v)) {}
-  String ClassName() const override { return u"Answer"; }
-  bool DefaultValue(Variant& out) const override {
-    if (v_.IsEmpty()) return false;
-    out = v_;
-    return true;
-  }
-
- private:
-  Variant v_;
-};
+using namespace test;
 
 TEST(VariantType, ReportsThePlatformsCodesAndNames) {
   struct Case {
