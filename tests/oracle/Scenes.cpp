@@ -492,7 +492,9 @@ void BitBlts(HDC dc) {
 }
 
 void Pixels(HDC dc) {
-  for (int i = 0; i < 40; ++i) SetPixelV(dc, 2 + i * 2, 2 + i % 7, RGB(i * 6, 255 - i * 6, 128));
+  for (int i = 0; i < 40; ++i)
+    SetPixelV(dc, 2 + i * 2, 2 + i % 7,
+              RGB(static_cast<BYTE>(i * 6), static_cast<BYTE>(255 - i * 6), 128));
   Note("setpixel", static_cast<long>(SetPixel(dc, 10, 20, RGB(1, 2, 3))));
   Note("getpixel", static_cast<long>(GetPixel(dc, 10, 20)));
   Note("getpixel-white", static_cast<long>(GetPixel(dc, 11, 20)));

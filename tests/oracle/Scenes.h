@@ -14,6 +14,7 @@
 #else
 #include "platform/Gdi.h"
 #include "platform/Text.h"
+#include "platform/User.h"
 #define ORACLE_TEXT(s) u##s
 #endif
 
