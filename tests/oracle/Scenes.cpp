@@ -495,11 +495,11 @@ void Pixels(HDC dc) {
   for (int i = 0; i < 40; ++i)
     SetPixelV(dc, 2 + i * 2, 2 + i % 7,
               RGB(static_cast<BYTE>(i * 6), static_cast<BYTE>(255 - i * 6), 128));
-  Note("setpixel", static_cast<long>(SetPixel(dc, 10, 20, RGB(1, 2, 3))));
-  Note("getpixel", static_cast<long>(GetPixel(dc, 10, 20)));
-  Note("getpixel-white", static_cast<long>(GetPixel(dc, 11, 20)));
-  Note("getpixel-outside", static_cast<long>(GetPixel(dc, 500, 20)));
-  Note("setpixel-outside", static_cast<long>(SetPixel(dc, -1, 20, RGB(1, 2, 3))));
+  NoteColor("setpixel", SetPixel(dc, 10, 20, RGB(1, 2, 3)));
+  NoteColor("getpixel", GetPixel(dc, 10, 20));
+  NoteColor("getpixel-white", GetPixel(dc, 11, 20));
+  NoteColor("getpixel-outside", GetPixel(dc, 500, 20));
+  NoteColor("setpixel-outside", SetPixel(dc, -1, 20, RGB(1, 2, 3)));
 }
 
 void FrameControls(HDC dc) {
@@ -526,7 +526,7 @@ void SystemColors(HDC dc) {
     char key[16];
     std::snprintf(key, sizeof key, "color%d", i);
     const COLORREF c = GetSysColor(i);
-    Note(key, static_cast<long>(c));
+    NoteColor(key, c);
     Fill(dc, (i % 8) * 12, (i / 8) * 12, (i % 8) * 12 + 12, (i / 8) * 12 + 12, c);
   }
 }
@@ -719,6 +719,11 @@ void TextOpaque(HDC dc) {
 }
 
 }  // namespace
+
+// CLR_INVALID is -1 whether long has 32 bits (Windows) or 64.
+void NoteColor(const char* key, COLORREF color) {
+  Note(key, static_cast<long>(static_cast<int32_t>(color)));
+}
 
 void Note(const char* key, long value) {
   char text[32];

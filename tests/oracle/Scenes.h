@@ -37,6 +37,7 @@ const std::vector<Scene>& Scenes();
 void Note(const char* key, long value);
 void Note(const char* key, const RECT& rect);
 void Note(const char* key, const SIZE& size);
+void NoteColor(const char* key, COLORREF color);
 
 // Draws one scene and returns its pixels (0x00RRGGBB as the DIB holds them,
 // row 0 on top) and its notes; false when the DIB section cannot be made.
