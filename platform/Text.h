@@ -125,14 +125,12 @@ constexpr UINT ETO_CLIPPED = 0x0004;
 // back to Liberation Sans, as the platform substitutes a default face.
 HFONT CreateFontIndirectW(const LOGFONTW* logfont);
 HFONT CreateFontIndirectA(const LOGFONTA* logfont);
-HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight,
-                  DWORD italic, DWORD underline, DWORD strike_out, DWORD charset,
-                  DWORD out_precision, DWORD clip_precision, DWORD quality,
-                  DWORD pitch_and_family, LPCWSTR face_name);
-HFONT CreateFontA(int height, int width, int escapement, int orientation, int weight,
-                  DWORD italic, DWORD underline, DWORD strike_out, DWORD charset,
-                  DWORD out_precision, DWORD clip_precision, DWORD quality,
-                  DWORD pitch_and_family, LPCSTR face_name);
+HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic,
+                  DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
+                  DWORD clip_precision, DWORD quality, DWORD pitch_and_family, LPCWSTR face_name);
+HFONT CreateFontA(int height, int width, int escapement, int orientation, int weight, DWORD italic,
+                  DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
+                  DWORD clip_precision, DWORD quality, DWORD pitch_and_family, LPCSTR face_name);
 
 // Measuring with the DC's selected font (the stock DEFAULT_GUI_FONT when none).
 BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int count, LPSIZE size);
@@ -153,8 +151,7 @@ BOOL GetCharWidth32W(HDC dc, UINT first, UINT last, INT* widths);
 // count + 4 characters, as the platform requires.
 int DrawTextW(HDC dc, LPCWSTR text, int count, LPRECT rect, UINT format);
 int DrawTextA(HDC dc, LPCSTR text, int count, LPRECT rect, UINT format);
-int DrawTextExW(HDC dc, LPWSTR text, int count, LPRECT rect, UINT format,
-                DRAWTEXTPARAMS* params);
+int DrawTextExW(HDC dc, LPWSTR text, int count, LPRECT rect, UINT format, DRAWTEXTPARAMS* params);
 
 // Unformatted text at a point, placed by the DC's text alignment.
 BOOL TextOutW(HDC dc, int x, int y, LPCWSTR text, int count);

@@ -1,0 +1,431 @@
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "platform/DeviceContext.h"
+#include "platform/Font.h"
+#include "platform/Gdi.h"
+#include "platform/TextLayout.h"
+
+using vantor::String;
+using vantor::StringView;
+using vantor::platform::DeviceContext;
+using vantor::platform::Font;
+using vantor::platform::GdiTable;
+using vantor::platform::Glyph;
+using vantor::platform::GlyphCache;
+
+namespace {
+
+// Logical coordinates beyond this are outside every surface; text placed
+// there is skipped instead of being pushed through overflowing arithmetic.
+constexpr long long kFar = 1LL << 29;
+
+Font& SelectedFont(DeviceContext& dc) {
+  Font* font = GdiTable::Get<Font>(dc.state.font, vantor::platform::OBJ_FONT);
+  return font != nullptr ? *font : Font::DefaultGui();
+}
+
+class FontMeasure final : public vantor::platform::TextMeasure {
+ public:
+  explicit FontMeasure(Font& font) : glyphs_(font.Glyphs()) {}
+  int Advance(char32_t code_point) override {
+    return glyphs_ != nullptr ? glyphs_->Advance(code_point) : 0;
+  }
+
+ private:
+  GlyphCache* glyphs_;
+};
+
+// A half-open rectangle in 64 bits, for clipping without overflow.
+struct Box {
+  long long left, top, right, bottom;
+  bool Empty() const { return left >= right || top >= bottom; }
+  Box Intersect(const Box& o) const {
+    return {std::max(left, o.left), std::max(top, o.top), std::min(right, o.right),
+            std::min(bottom, o.bottom)};
+  }
+};
+
+Box BoxOf(const RECT& r) {
+  return {r.left, r.top, r.right, r.bottom};
+}
+
+void Fill(DeviceContext& dc, Box box, const Box* clip, COLORREF color) {
+  if (clip != nullptr) box = box.Intersect(*clip);
+  box = box.Intersect({-kFar, -kFar, kFar, kFar});
+  if (box.Empty()) return;
+  const RECT r{static_cast<LONG>(box.left), static_cast<LONG>(box.top),
+               static_cast<LONG>(box.right), static_cast<LONG>(box.bottom)};
+  vantor::platform::FillSolidRect(dc, r, color);
+}
+
+// A glyph's coverage at logical (x, y), cut to the clip rectangle first; the
+// DC's own clip is applied by BlendMask.
+void Blend(DeviceContext& dc, const Glyph& glyph, long long x, long long y, const Box* clip,
+           COLORREF color) {
+  if (glyph.width <= 0 || glyph.height <= 0) return;
+  Box box{x, y, x + glyph.width, y + glyph.height};
+  if (clip != nullptr) box = box.Intersect(*clip);
+  box = box.Intersect({-kFar, -kFar, kFar, kFar});
+  if (box.Empty()) return;
+  const auto skip_x = static_cast<size_t>(box.left - x);
+  const auto skip_y = static_cast<size_t>(box.top - y);
+  const uint8_t* start = glyph.coverage.data() + skip_y * static_cast<size_t>(glyph.width) + skip_x;
+  vantor::platform::BlendMask(dc, static_cast<int>(box.left), static_cast<int>(box.top), start,
+                              static_cast<int>(box.right - box.left),
+                              static_cast<int>(box.bottom - box.top), glyph.width, color);
+}
+
+struct Paint {
+  bool opaque = false;      // fill the cells with the back colour
+  bool draw_glyphs = true;  // DT_PREFIXONLY draws only the underline
+  int prefix = -1;          // character to underline
+  int tab_width = 0;
+  const INT* dx = nullptr;  // ExtTextOut's own advances
+};
+
+// Draws one run with its top-left at logical (x, y): the cell background in
+// OPAQUE mode, the glyphs in the text colour, then the font's underline and
+// strike-out and an access-key underline.
+void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringView text,
+              const Box* clip, const Paint& paint, std::vector<int>& positions) {
+  FontMeasure measure(font);
+  const TEXTMETRICW& tm = font.Metrics();
+  const vantor::platform::FaceMetrics& face = font.Face();
+  vantor::platform::TextLayout layout(measure, tm.tmHeight, tm.tmExternalLeading,
+                                      tm.tmAveCharWidth);
+  if (paint.dx != nullptr) {
+    positions.assign(text.size() + 1, 0);
+    long long pen = 0;
+    for (size_t i = 0; i < text.size(); ++i) {
+      positions[i] = static_cast<int>(pen);
+      pen = std::clamp<long long>(pen + paint.dx[i], -kFar, kFar);
+    }
+    positions[text.size()] = static_cast<int>(pen);
+  } else {
+    layout.Positions(text, paint.tab_width, positions);
+  }
+  const long long width = positions[text.size()];
+  const COLORREF color = dc.state.text_color;
+  if (paint.opaque) Fill(dc, {x, y, x + width, y + tm.tmHeight}, clip, dc.state.bk_color);
+
+  GlyphCache* glyphs = font.Glyphs();
+  const long long baseline = y + tm.tmAscent;
+  if (paint.draw_glyphs && glyphs != nullptr && x + width > -kFar && x < kFar) {
+    for (size_t i = 0; i < text.size(); ++i) {
+      const char16_t c = text[i];
+      if (c >= 0xDC00 && c <= 0xDFFF && i > 0) continue;
+      char32_t cp = c;
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
+          text[i + 1] <= 0xDFFF) {
+        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+      }
+      if (cp == u'\t' && paint.tab_width > 0) continue;
+      const Glyph& glyph = glyphs->Get(cp);
+      Blend(dc, glyph, x + positions[i] + glyph.left, baseline - glyph.top, clip, color);
+    }
+  }
+  if (paint.draw_glyphs && tm.tmUnderlined != 0) {
+    const long long top = baseline + face.underline_offset;
+    Fill(dc, {x, top, x + width, top + face.underline_size}, clip, color);
+  }
+  if (paint.draw_glyphs && tm.tmStruckOut != 0) {
+    const long long top = baseline + face.strike_offset;
+    Fill(dc, {x, top, x + width, top + face.strike_size}, clip, color);
+  }
+  if (paint.prefix >= 0 && static_cast<size_t>(paint.prefix) < text.size()) {
+    const auto p = static_cast<size_t>(paint.prefix);
+    const long long top = baseline + face.underline_offset;
+    Fill(dc, {x + positions[p], top, x + positions[p + 1], top + face.underline_size}, clip, color);
+  }
+}
+
+StringView Span(LPCWSTR text, int count) {
+  if (count < 0) return StringView(text);
+  return StringView(text, static_cast<size_t>(count));
+}
+
+int DrawTextImpl(HDC hdc, LPWSTR writable, LPCWSTR text, int count, LPRECT rect, UINT format,
+                 DRAWTEXTPARAMS* params) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr || text == nullptr || rect == nullptr) return 0;
+  if (params != nullptr && params->cbSize != sizeof(DRAWTEXTPARAMS)) return 0;
+  const StringView source = Span(text, count);
+  Font& font = SelectedFont(*dc);
+  const TEXTMETRICW& tm = font.Metrics();
+  FontMeasure measure(font);
+  vantor::platform::TextLayout layout(measure, tm.tmHeight, tm.tmExternalLeading,
+                                      tm.tmAveCharWidth);
+  const vantor::platform::TextLayoutResult result = layout.Run(source, *rect, format, params);
+  format = result.format;
+  if (params != nullptr) params->uiLengthDrawn = result.length_drawn;
+
+  if ((format & DT_MODIFYSTRING) != 0 && result.modified && writable != nullptr) {
+    // The caller's buffer holds its text and four more characters.
+    const size_t room = source.size() + 4;
+    const size_t n = std::min(result.modified_text.size(), room - 1);
+    std::copy_n(result.modified_text.data(), n, writable);
+    writable[n] = 0;
+  }
+  if ((format & DT_CALCRECT) != 0) {
+    *rect = result.bounds;
+    return result.height;
+  }
+
+  const Box clip_box = BoxOf(*rect);
+  const Box* clip = (format & DT_NOCLIP) != 0 ? nullptr : &clip_box;
+  Paint paint;
+  paint.opaque = dc->state.bk_mode == OPAQUE && (format & DT_PREFIXONLY) == 0;
+  paint.draw_glyphs = (format & DT_PREFIXONLY) == 0;
+  paint.tab_width = result.tab_width;
+  std::vector<int> positions;
+  for (const vantor::platform::TextLine& line : result.lines) {
+    paint.prefix = (format & DT_HIDEPREFIX) != 0 ? -1 : line.prefix;
+    PaintRun(*dc, font, line.x, line.y, line.text, clip, paint, positions);
+  }
+  return result.height;
+}
+
+}  // namespace
+
+HFONT CreateFontIndirectW(const LOGFONTW* logfont) {
+  if (logfont == nullptr) return nullptr;
+  return static_cast<HFONT>(GdiTable::Add(std::make_shared<Font>(*logfont)));
+}
+
+HFONT CreateFontIndirectA(const LOGFONTA* logfont) {
+  if (logfont == nullptr) return nullptr;
+  LOGFONTW wide{};
+  std::memcpy(&wide, logfont, offsetof(LOGFONTA, lfFaceName));
+  size_t length = 0;
+  while (length < LF_FACESIZE - 1 && logfont->lfFaceName[length] != 0) ++length;
+  const String name = vantor::FromAnsi(std::string_view(logfont->lfFaceName, length));
+  std::copy_n(name.data(), std::min<size_t>(name.size(), LF_FACESIZE - 1), wide.lfFaceName);
+  return CreateFontIndirectW(&wide);
+}
+
+HFONT CreateFontW(int height, int width, int escapement, int orientation, int weight, DWORD italic,
+                  DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
+                  DWORD clip_precision, DWORD quality, DWORD pitch_and_family, LPCWSTR face_name) {
+  LOGFONTW lf{};
+  lf.lfHeight = height;
+  lf.lfWidth = width;
+  lf.lfEscapement = escapement;
+  lf.lfOrientation = orientation;
+  lf.lfWeight = weight;
+  lf.lfItalic = static_cast<BYTE>(italic);
+  lf.lfUnderline = static_cast<BYTE>(underline);
+  lf.lfStrikeOut = static_cast<BYTE>(strike_out);
+  lf.lfCharSet = static_cast<BYTE>(charset);
+  lf.lfOutPrecision = static_cast<BYTE>(out_precision);
+  lf.lfClipPrecision = static_cast<BYTE>(clip_precision);
+  lf.lfQuality = static_cast<BYTE>(quality);
+  lf.lfPitchAndFamily = static_cast<BYTE>(pitch_and_family);
+  if (face_name != nullptr) {
+    for (int i = 0; i < LF_FACESIZE - 1 && face_name[i] != 0; ++i) lf.lfFaceName[i] = face_name[i];
+  }
+  return CreateFontIndirectW(&lf);
+}
+
+HFONT CreateFontA(int height, int width, int escapement, int orientation, int weight, DWORD italic,
+                  DWORD underline, DWORD strike_out, DWORD charset, DWORD out_precision,
+                  DWORD clip_precision, DWORD quality, DWORD pitch_and_family, LPCSTR face_name) {
+  String name;
+  if (face_name != nullptr) {
+    name = vantor::FromAnsi(std::string_view(face_name, strnlen(face_name, LF_FACESIZE - 1)));
+  }
+  return CreateFontW(height, width, escapement, orientation, weight, italic, underline, strike_out,
+                     charset, out_precision, clip_precision, quality, pitch_and_family,
+                     face_name != nullptr ? name.c_str() : nullptr);
+}
+
+BOOL GetTextExtentExPointW(HDC hdc, LPCWSTR text, int count, int max_extent, INT* fit, INT* dx,
+                           LPSIZE size) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr || size == nullptr || count < 0 || (text == nullptr && count > 0)) {
+    return FALSE;
+  }
+  Font& font = SelectedFont(*dc);
+  GlyphCache* glyphs = font.Glyphs();
+  long long pen = 0;
+  int fitted = 0;
+  const StringView view(text == nullptr ? u"" : text, static_cast<size_t>(count));
+  for (size_t i = 0; i < view.size(); ++i) {
+    const char16_t c = view[i];
+    const bool second_half =
+        i > 0 && c >= 0xDC00 && c <= 0xDFFF && view[i - 1] >= 0xD800 && view[i - 1] <= 0xDBFF;
+    if (!second_half && glyphs != nullptr) {
+      char32_t cp = c;
+      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < view.size() && view[i + 1] >= 0xDC00 &&
+          view[i + 1] <= 0xDFFF) {
+        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (view[i + 1] - 0xDC00);
+      }
+      pen = std::min<long long>(pen + glyphs->Advance(cp), 1LL << 30);
+    }
+    if (max_extent >= 0 && pen <= max_extent && fitted == static_cast<int>(i)) fitted += 1;
+    if (dx != nullptr) dx[i] = static_cast<INT>(pen);
+  }
+  if (fit != nullptr) *fit = max_extent < 0 ? count : fitted;
+  size->cx = static_cast<LONG>(pen);
+  size->cy = font.Metrics().tmHeight;
+  return TRUE;
+}
+
+BOOL GetTextExtentPoint32W(HDC dc, LPCWSTR text, int count, LPSIZE size) {
+  return GetTextExtentExPointW(dc, text, count, -1, nullptr, nullptr, size);
+}
+
+BOOL GetTextExtentPoint32A(HDC dc, LPCSTR text, int count, LPSIZE size) {
+  if (count < 0 || (text == nullptr && count > 0)) return FALSE;
+  const String wide = text == nullptr
+                          ? String()
+                          : vantor::FromAnsi(std::string_view(text, static_cast<size_t>(count)));
+  return GetTextExtentExPointW(dc, wide.c_str(), static_cast<int>(wide.size()), -1, nullptr,
+                               nullptr, size);
+}
+
+BOOL GetTextMetricsW(HDC hdc, TEXTMETRICW* metrics) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr || metrics == nullptr) return FALSE;
+  *metrics = SelectedFont(*dc).Metrics();
+  return TRUE;
+}
+
+int GetTextFaceW(HDC hdc, int count, LPWSTR name) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr) return 0;
+  const String face = SelectedFont(*dc).FaceName();
+  if (name == nullptr) return static_cast<int>(face.size()) + 1;
+  if (count <= 0) return 0;
+  const size_t n = std::min(face.size(), static_cast<size_t>(count) - 1);
+  std::copy_n(face.data(), n, name);
+  name[n] = 0;
+  return static_cast<int>(n) + 1;
+}
+
+BOOL GetCharWidth32W(HDC hdc, UINT first, UINT last, INT* widths) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr || widths == nullptr || last < first || last > 0x10FFFF) return FALSE;
+  GlyphCache* glyphs = SelectedFont(*dc).Glyphs();
+  for (UINT c = first;; ++c) {
+    widths[c - first] = glyphs != nullptr ? glyphs->Advance(c) : 0;
+    if (c == last) break;
+  }
+  return TRUE;
+}
+
+int DrawTextExW(HDC dc, LPWSTR text, int count, LPRECT rect, UINT format, DRAWTEXTPARAMS* params) {
+  return DrawTextImpl(dc, text, text, count, rect, format, params);
+}
+
+int DrawTextW(HDC dc, LPCWSTR text, int count, LPRECT rect, UINT format) {
+  // The platform writes into the "constant" text under DT_MODIFYSTRING.
+  LPWSTR writable = (format & DT_MODIFYSTRING) != 0 ? const_cast<LPWSTR>(text) : nullptr;
+  return DrawTextImpl(dc, writable, text, count, rect, format, nullptr);
+}
+
+int DrawTextA(HDC dc, LPCSTR text, int count, LPRECT rect, UINT format) {
+  if (text == nullptr) return 0;
+  const size_t length = count < 0 ? std::strlen(text) : static_cast<size_t>(count);
+  String wide = vantor::FromAnsi(std::string_view(text, length));
+  const size_t original = wide.size();
+  wide.resize(original + 4, 0);
+  const int height = DrawTextImpl(dc, wide.data(), wide.c_str(), static_cast<int>(original), rect,
+                                  format, nullptr);
+  if ((format & DT_MODIFYSTRING) != 0) {
+    const std::string narrow = vantor::ToAnsi(StringView(wide.c_str()));
+    if (narrow != std::string_view(text, length)) {
+      const size_t n = std::min(narrow.size(), length + 3);
+      std::memcpy(const_cast<char*>(text), narrow.data(), n);
+      const_cast<char*>(text)[n] = 0;
+    }
+  }
+  return height;
+}
+
+BOOL ExtTextOutW(HDC hdc, int x, int y, UINT options, const RECT* rect, LPCWSTR text, UINT count,
+                 const INT* dx) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr || (text == nullptr && count > 0)) return FALSE;
+  if (count > 0x7FFFFFFF) return FALSE;
+  const StringView view(text == nullptr ? u"" : text, count);
+  Font& font = SelectedFont(*dc);
+  const TEXTMETRICW& tm = font.Metrics();
+
+  const Box rect_box = rect != nullptr ? BoxOf(*rect) : Box{};
+  if (rect != nullptr && (options & ETO_OPAQUE) != 0) {
+    Fill(*dc, rect_box, nullptr, dc->state.bk_color);
+  }
+  const Box* clip = rect != nullptr && (options & ETO_CLIPPED) != 0 ? &rect_box : nullptr;
+
+  // The run's width places it for centre and right alignment.
+  FontMeasure measure(font);
+  vantor::platform::TextLayout layout(measure, tm.tmHeight, tm.tmExternalLeading,
+                                      tm.tmAveCharWidth);
+  long long width = 0;
+  if (dx != nullptr) {
+    for (size_t i = 0; i < view.size(); ++i)
+      width = std::clamp<long long>(width + dx[i], -kFar, kFar);
+  } else {
+    width = layout.Width(view, 0);
+  }
+  const UINT align = dc->state.text_align;
+  const bool update = (align & TA_UPDATECP) != 0;
+  long long left = update ? dc->state.position.x : x;
+  long long top = update ? dc->state.position.y : y;
+  const long long origin_x = left;
+  if ((align & TA_CENTER) == TA_CENTER) {
+    left -= width / 2;
+  } else if ((align & TA_RIGHT) != 0) {
+    left -= width;
+  }
+  if ((align & TA_BASELINE) == TA_BASELINE) {
+    top -= tm.tmAscent;
+  } else if ((align & TA_BOTTOM) != 0) {
+    top -= tm.tmHeight;
+  }
+  if (update) {
+    // Left-aligned text moves the position past itself, right-aligned text
+    // before itself; centred text leaves it.
+    long long next = origin_x;
+    if ((align & TA_CENTER) != TA_CENTER) next += (align & TA_RIGHT) != 0 ? -width : width;
+    dc->state.position.x = static_cast<LONG>(std::clamp<long long>(next, INT32_MIN, INT32_MAX));
+  }
+  if (view.empty()) return TRUE;
+
+  Paint paint;
+  paint.opaque = dc->state.bk_mode == OPAQUE;
+  paint.dx = dx;
+  std::vector<int> positions;
+  PaintRun(*dc, font, left, top, view, clip, paint, positions);
+  return TRUE;
+}
+
+BOOL TextOutW(HDC dc, int x, int y, LPCWSTR text, int count) {
+  if (count < 0) return FALSE;
+  return ExtTextOutW(dc, x, y, 0, nullptr, text, static_cast<UINT>(count), nullptr);
+}
+
+BOOL TextOutA(HDC dc, int x, int y, LPCSTR text, int count) {
+  if (count < 0 || (text == nullptr && count > 0)) return FALSE;
+  const String wide = text == nullptr
+                          ? String()
+                          : vantor::FromAnsi(std::string_view(text, static_cast<size_t>(count)));
+  return ExtTextOutW(dc, x, y, 0, nullptr, wide.c_str(), static_cast<UINT>(wide.size()), nullptr);
+}
+
+UINT SetTextAlign(HDC hdc, UINT align) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  if (dc == nullptr) return GDI_ERROR;
+  const UINT previous = dc->state.text_align;
+  dc->state.text_align = align;
+  return previous;
+}
+
+UINT GetTextAlign(HDC hdc) {
+  DeviceContext* dc = vantor::platform::DcFromHandle(hdc);
+  return dc == nullptr ? GDI_ERROR : dc->state.text_align;
+}
