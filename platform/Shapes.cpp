@@ -17,11 +17,10 @@ std::vector<POINT> LinePixels(LONG x0, LONG y0, LONG x1, LONG y1) {
   constexpr int64_t kMaxLength = int64_t{1} << 24;
   if (length > kMaxLength) return out;
   out.reserve(static_cast<size_t>(length));
-  // On a tie the platform steps the minor axis in some octants and not in
-  // others, so a line and its reverse do not always cover the same pixels.
-  // The octants that step on a tie: going up-left and down-left along y, up-left
-  // along x, and right-up along x (numbered 3, 5, 6 and 8 counting
-  // counter-clockwise from right-down, x major).
+  // On a tie the platform steps the minor axis in one octant of each pair of
+  // opposite octants only, so that a line and its reverse cover the same
+  // pixels. Octants are numbered clockwise on screen from right-down, x major
+  // (1); the ones that step on a tie are 3, 5, 6 and 8.
   int octant;
   if (dy > 0) {
     octant = dx > 0 ? (dx > dy ? 1 : 2) : (-dx > dy ? 4 : 3);
