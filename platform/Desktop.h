@@ -38,6 +38,10 @@ void SetWorkArea(const RECT& area);
 // knows when to compose again.
 uint64_t DesktopGeneration();
 
+// The standard cursor id (IDC_ARROW's 32512 and so on) of the cursor that
+// SetCursor set last, or 0 for none or another cursor.
+WORD CurrentCursorId();
+
 // Destroys every window, unregisters every class, empties the queues, timers,
 // clipboard and key state, and puts cursor, capture and focus back to none;
 // tests start from it.
