@@ -23,8 +23,12 @@ namespace {
 // Larger blits than this are refused as garbage.
 constexpr int64_t kMaxExtent = 1 << 15;
 
-bool UsesSource(DWORD rop) { return (((rop >> 2) ^ rop) & 0x330000) != 0; }
-bool UsesPattern(DWORD rop) { return (((rop >> 4) ^ rop) & 0x0F0000) != 0; }
+bool UsesSource(DWORD rop) {
+  return (((rop >> 2) ^ rop) & 0x330000) != 0;
+}
+bool UsesPattern(DWORD rop) {
+  return (((rop >> 4) ^ rop) & 0x0F0000) != 0;
+}
 
 // One axis of a stretch: for each destination pixel the source pixel it
 // takes (-1 when outside the source), and for the scan-combining modes the
@@ -42,7 +46,8 @@ AxisMap MapAxis(int64_t dst, int64_t src, int64_t src_start, bool mirror, int64_
   m.pick.assign(static_cast<size_t>(dst), 0);
   m.first.assign(static_cast<size_t>(dst), 0);
   if (dst == src) {
-    for (int64_t i = 0; i < dst; ++i) m.pick[static_cast<size_t>(i)] = m.first[static_cast<size_t>(i)] = i;
+    for (int64_t i = 0; i < dst; ++i)
+      m.pick[static_cast<size_t>(i)] = m.first[static_cast<size_t>(i)] = i;
   } else if (dst > src) {
     int64_t err = 2 * src - dst, k = 0;
     for (int64_t i = 0; i < dst; ++i) {
@@ -102,8 +107,8 @@ struct Sampled {
   int64_t width = 0;
 };
 
-uint32_t AverageBox(const Surface& s, int64_t x0, int64_t x1, int64_t y0, int64_t y1,
-                    int64_t xn, int64_t xd, int64_t yn, int64_t yd) {
+uint32_t AverageBox(const Surface& s, int64_t x0, int64_t x1, int64_t y0, int64_t y1, int64_t xn,
+                    int64_t xd, int64_t yn, int64_t yd) {
   (void)xn, (void)xd, (void)yn, (void)yd;
   uint64_t sum[4] = {0, 0, 0, 0};
   uint64_t n = 0;
@@ -173,7 +178,8 @@ void Apply(DeviceContext& d, Extent dx, Extent dy, const Sampled* s, DWORD rop) 
   vantor::platform::ForEachClipRect(d, area, [&](const RECT& r) {
     for (LONG y = r.top; y < r.bottom; ++y) {
       uint32_t* row = t.Row(y);
-      const size_t base = s != nullptr ? static_cast<size_t>((y - dy.start) * s->width - dx.start) : 0;
+      const size_t base =
+          s != nullptr ? static_cast<size_t>((y - dy.start) * s->width - dx.start) : 0;
       for (LONG x = r.left; x < r.right; ++x) {
         uint32_t src = 0;
         if (s != nullptr) {
@@ -215,9 +221,11 @@ bool ReadDib(const BITMAPINFO* info, const void* bits, UINT usage, std::vector<u
   if (h.biCompression != BI_RGB && !(h.biCompression == BI_BITFIELDS && (bpp == 16 || bpp == 32))) {
     return false;
   }
-  const auto* table = reinterpret_cast<const RGBQUAD*>(reinterpret_cast<const char*>(info) + h.biSize);
+  const auto* table =
+      reinterpret_cast<const RGBQUAD*>(reinterpret_cast<const char*>(info) + h.biSize);
   const DWORD* masks = reinterpret_cast<const DWORD*>(table);
-  const uint32_t colors = bpp <= 8 ? (h.biClrUsed != 0 ? std::min<DWORD>(h.biClrUsed, 1u << bpp) : 1u << bpp) : 0;
+  const uint32_t colors =
+      bpp <= 8 ? (h.biClrUsed != 0 ? std::min<DWORD>(h.biClrUsed, 1u << bpp) : 1u << bpp) : 0;
   const size_t stride = static_cast<size_t>((width * bpp + 31) / 32 * 4);
   out->assign(static_cast<size_t>(width * height), 0);
   const auto* base = static_cast<const uint8_t*>(bits);
@@ -230,7 +238,8 @@ bool ReadDib(const BITMAPINFO* info, const void* bits, UINT usage, std::vector<u
       switch (bpp) {
         case 32: {
           std::memcpy(&p, row + x * 4, 4);
-          if (h.biCompression == BI_BITFIELDS && !(masks[0] == 0xFF0000 && masks[1] == 0xFF00 && masks[2] == 0xFF)) {
+          if (h.biCompression == BI_BITFIELDS &&
+              !(masks[0] == 0xFF0000 && masks[1] == 0xFF00 && masks[2] == 0xFF)) {
             auto field = [&](DWORD mask) {
               if (mask == 0) return 0u;
               int shift = 0;
@@ -290,16 +299,78 @@ bool TakeSnapshot(const Surface& s, Snapshot* snap) {
   if (n <= 0) return false;
   snap->pixels.resize(static_cast<size_t>(n));
   for (int y = 0; y < s.height; ++y) {
-    std::memcpy(snap->pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(s.width), s.Row(y),
-                static_cast<size_t>(s.width) * 4);
+    std::memcpy(snap->pixels.data() + static_cast<size_t>(y) * static_cast<size_t>(s.width),
+                s.Row(y), static_cast<size_t>(s.width) * 4);
   }
   snap->surface = Surface{snap->pixels.data(), s.width, s.height, s.width};
   return true;
 }
 
-BOOL StretchCore(DeviceContext& d, int64_t x, int64_t y, int64_t w, int64_t h,
-                 const Surface* src, int64_t sx, int64_t sy, int64_t sw, int64_t sh, DWORD rop,
-                 int mode) {
+// Blits without stretching or a pattern, the common case, straight from the
+// source rows. Within one surface the rows go in the order that reads each
+// source row before it is overwritten.
+void Copy1to1(DeviceContext& d, Extent dx, Extent dy, const Surface& src, int64_t sx, int64_t sy,
+              DWORD rop) {
+  // Only the part with source pixels under it is drawn.
+  const int64_t shift_x = sx - dx.start, shift_y = sy - dy.start;
+  const int64_t left = std::max(dx.start, -shift_x), top = std::max(dy.start, -shift_y);
+  const int64_t right = std::min(dx.start + dx.size, src.width - shift_x);
+  const int64_t bottom = std::min(dy.start + dy.size, src.height - shift_y);
+  if (left >= right || top >= bottom) return;
+  const RECT area{static_cast<LONG>(left), static_cast<LONG>(top), static_cast<LONG>(right),
+                  static_cast<LONG>(bottom)};
+  const uint8_t code = static_cast<uint8_t>((rop >> 16) & 0xFF);
+  const Surface& t = d.Target();
+  bool same = SameSurfaceOverlap(src, t);
+  Region part(area);
+  part.Intersect(d.Clip());
+  std::vector<RECT> rects = part.Rects();
+  const Surface* from = &src;
+  int64_t fx = shift_x, fy = shift_y;
+  std::vector<uint32_t> copy;
+  Surface snapshot;
+  if (same && rects.size() > 1) {
+    // Several clip rectangles within one surface: no order of them is safe
+    // in every direction, so read from a copy of the source part.
+    const int64_t w = right - left, h = bottom - top;
+    copy.resize(static_cast<size_t>(w * h));
+    for (int64_t y = 0; y < h; ++y) {
+      std::memcpy(copy.data() + y * w,
+                  src.Row(static_cast<int>(top + y + shift_y)) + (left + shift_x),
+                  static_cast<size_t>(w) * 4);
+    }
+    snapshot =
+        Surface{copy.data(), static_cast<int>(w), static_cast<int>(h), static_cast<ptrdiff_t>(w)};
+    from = &snapshot;
+    fx = -left;
+    fy = -top;
+    same = false;
+  }
+  // Moving down within one surface, the lowest rows go first; memmove keeps
+  // each row safe sideways.
+  const bool upward = same && shift_y < 0;
+  std::vector<uint32_t> scratch;
+  for (const RECT& r : rects) {
+    const size_t n = static_cast<size_t>(r.right - r.left);
+    for (LONG i = 0; i < r.bottom - r.top; ++i) {
+      const LONG y = upward ? r.bottom - 1 - i : r.top + i;
+      uint32_t* out = t.Row(y) + r.left;
+      const uint32_t* in = from->Row(static_cast<int>(y + fy)) + (r.left + fx);
+      if (code == 0xCC) {
+        std::memmove(out, in, n * 4);
+        continue;
+      }
+      if (same) {
+        scratch.assign(in, in + n);
+        in = scratch.data();
+      }
+      for (size_t k = 0; k < n; ++k) out[k] = vantor::platform::ApplyRop3(code, 0, in[k], out[k]);
+    }
+  }
+}
+
+BOOL StretchCore(DeviceContext& d, int64_t x, int64_t y, int64_t w, int64_t h, const Surface* src,
+                 int64_t sx, int64_t sy, int64_t sw, int64_t sh, DWORD rop, int mode) {
   if (!SaneExtents(w, h, sw, sh)) return FALSE;
   if (w == 0 || h == 0) return TRUE;
   const Extent dx = Normalize(d.SurfaceX(0) + x, w), dy = Normalize(d.SurfaceY(0) + y, h);
@@ -308,6 +379,10 @@ BOOL StretchCore(DeviceContext& d, int64_t x, int64_t y, int64_t w, int64_t h,
     return TRUE;
   }
   if (sw == 0 || sh == 0) return FALSE;
+  if (w == sw && h == sh && !UsesPattern(rop)) {
+    Copy1to1(d, dx, dy, *src, Normalize(sx, sw).start, Normalize(sy, sh).start, rop);
+    return TRUE;
+  }
   Snapshot snap;
   if (SameSurfaceOverlap(*src, d.Target())) {
     if (!TakeSnapshot(*src, &snap)) return FALSE;
@@ -325,9 +400,10 @@ BOOL PatBlt(HDC dc, int x, int y, int width, int height, DWORD rop) {
   if (d == nullptr || UsesSource(rop)) return FALSE;
   const uint8_t code = static_cast<uint8_t>((rop >> 16) & 0xFF);
   Brush* b = GdiTable::Get<Brush>(d->state.brush, OBJ_BRUSH);
-  if (code == 0xF0 && b != nullptr && b->tile.empty() && !b->IsNull() && width >= 0 && height >= 0) {
-    vantor::platform::FillSurfaceRect(
-        *d, d->SurfaceRect(RECT{x, y, x + width, y + height}), ColorToPixel(b->log.lbColor));
+  if (code == 0xF0 && b != nullptr && b->tile.empty() && !b->IsNull() && width >= 0 &&
+      height >= 0) {
+    vantor::platform::FillSurfaceRect(*d, d->SurfaceRect(RECT{x, y, x + width, y + height}),
+                                      ColorToPixel(b->log.lbColor));
     return TRUE;
   }
   return StretchCore(*d, x, y, width, height, nullptr, 0, 0, 0, 0, rop, COLORONCOLOR);
@@ -351,8 +427,8 @@ BOOL StretchBlt(HDC dest, int x, int y, int width, int height, HDC src, int x_sr
   if (!UsesSource(rop)) return PatBlt(dest, x, y, width, height, rop);
   DeviceContext* s = DcFromHandle(src);
   if (s == nullptr) return FALSE;
-  return StretchCore(*d, x, y, width, height, &s->Target(), s->SurfaceX(x_src),
-                     s->SurfaceY(y_src), src_width, src_height, rop, d->state.stretch_mode);
+  return StretchCore(*d, x, y, width, height, &s->Target(), s->SurfaceX(x_src), s->SurfaceY(y_src),
+                     src_width, src_height, rop, d->state.stretch_mode);
 }
 
 int StretchDIBits(HDC dc, int x_dest, int y_dest, int dest_width, int dest_height, int x_src,
@@ -394,7 +470,9 @@ int SetDIBitsToDevice(HDC dc, int x_dest, int y_dest, DWORD width, DWORD height,
   }
   std::vector<uint32_t> pixels;
   Surface s;
-  const BITMAPINFO* use = info->bmiHeader.biBitCount <= 8 || info->bmiHeader.biCompression == BI_BITFIELDS ? info : &band;
+  const BITMAPINFO* use =
+      info->bmiHeader.biBitCount <= 8 || info->bmiHeader.biCompression == BI_BITFIELDS ? info
+                                                                                       : &band;
   if (use == info) {
     // Reading with the full header would overrun the band; only whole DIBs
     // are accepted with tables.

@@ -280,3 +280,31 @@ TEST(GdiBlit, GarbageSizesFailQuietly) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(GdiBlit, ScrollingUnderAComplexClipReadsTheOldPixels) {
+  for (int dy : {-1, 1}) {
+    Canvas c(4, 4);
+    Pattern(c, 4, 4);
+    Canvas expected(4, 4);
+    Pattern(expected, 4, 4);
+    HRGN clip = CreateRectRgn(0, 0, 2, 4);
+    HRGN right = CreateRectRgn(3, 0, 4, 4);
+    CombineRgn(clip, clip, right, RGN_OR);
+    SelectClipRgn(c.dc(), clip);
+    BitBlt(c.dc(), 1, dy, 3, 4, c.dc(), 0, 0, SRCCOPY);
+    for (int y = 0; y < 4; ++y) {
+      for (int x = 0; x < 4; ++x) {
+        const int sx = x - 1, sy = y - dy;
+        const bool drawn = x != 2 && sx >= 0 && sy >= 0 && sy < 4 && x >= 1;
+        const uint32_t want = drawn ? expected.At(sx, sy) : expected.At(x, y);
+        EXPECT_EQ(c.At(x, y), want) << x << "," << y << " dy " << dy;
+      }
+    }
+    DeleteObject(clip);
+    DeleteObject(right);
+  }
+}
+
+}  // namespace
