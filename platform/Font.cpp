@@ -141,6 +141,7 @@ void Font::Resolve() {
     face_.em = em;
     face_.ascent = static_cast<int>(std::lround(em * 0.905));
     face_.descent = static_cast<int>(std::lround(em * 0.212));
+    face_.internal_leading = std::max(0, face_.ascent + face_.descent - em);
     face_.average_width = std::max(1, static_cast<int>(std::lround(em * 0.441)));
     face_.max_width = em * 2;
     face_.underline_offset = 1;
@@ -151,7 +152,7 @@ void Font::Resolve() {
   tm.tmAscent = face_.ascent;
   tm.tmDescent = face_.descent;
   tm.tmHeight = face_.ascent + face_.descent;
-  tm.tmInternalLeading = std::max(0, tm.tmHeight - face_.em);
+  tm.tmInternalLeading = face_.internal_leading;
   tm.tmExternalLeading = face_.external_leading;
   tm.tmAveCharWidth = face_.average_width;
   tm.tmMaxCharWidth = face_.max_width;

@@ -102,6 +102,9 @@ GlyphCache::GlyphCache(std::unique_ptr<Native> native, int logical_height, Smoot
   m.em = em;
   m.ascent = Scale(win_ascent, em, upem);
   m.descent = Scale(win_descent, em, upem);
+  // Scaled on its own, as the platform does, so it need not equal the cell
+  // height less the em.
+  m.internal_leading = std::max(0, Scale(win_ascent + win_descent - upem, em, upem));
   if (hhea != nullptr) {
     const long hhea_height = hhea->Ascender - hhea->Descender;
     const long gap = hhea->Line_Gap - ((win_ascent + win_descent) - hhea_height);

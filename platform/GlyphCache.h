@@ -29,6 +29,7 @@ struct FaceMetrics {
   int em = 0;  // pixels per em
   int ascent = 0;
   int descent = 0;
+  int internal_leading = 0;
   int external_leading = 0;
   int average_width = 0;
   int max_width = 0;

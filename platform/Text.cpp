@@ -136,10 +136,12 @@ void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringVie
     const long long top = baseline + face.strike_offset;
     Fill(dc, {x, top, x + width, top + face.strike_size}, clip, color);
   }
+  // The access key's mark is a one-pixel line a row below the baseline,
+  // drawn as a pen line over the character's advance, so its last pixel is
+  // left out, as the platform draws it.
   if (paint.prefix >= 0 && static_cast<size_t>(paint.prefix) < text.size()) {
     const auto p = static_cast<size_t>(paint.prefix);
-    const long long top = baseline + face.underline_offset;
-    Fill(dc, {x + positions[p], top, x + positions[p + 1], top + face.underline_size}, clip, color);
+    Fill(dc, {x + positions[p], baseline + 1, x + positions[p + 1] - 1, baseline + 2}, clip, color);
   }
 }
 
