@@ -114,14 +114,15 @@ LRESULT EraseBackground(Window& w, HDC dc) {
   return 1;
 }
 
-void StartSizeMove(Window& w, LRESULT hit) {
+void StartSizeMove(Window& w, LRESULT hit, LPARAM where) {
   if (hit != HTCAPTION && (hit < HTLEFT || hit > HTBOTTOMRIGHT)) return;
   if (hit != HTCAPTION && (w.style & WS_THICKFRAME) == 0) return;
   if ((w.style & WS_MAXIMIZE) != 0) return;
   auto& sm = vantor::platform::CurrentSizeMove();
   sm.hwnd = w.handle;
   sm.hit = hit;
-  GetCursorPos(&sm.start);
+  // The drag starts where the press was, in screen coordinates.
+  sm.start = POINT{GET_X_LPARAM(where), GET_Y_LPARAM(where)};
   sm.rect = w.rect;
   SendMessageW(w.handle, WM_ENTERSIZEMOVE, 0, 0);
   if (Window::Get(sm.hwnd) == nullptr) {
@@ -266,7 +267,7 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       }
       return 0;
     case WM_NCLBUTTONDOWN:
-      StartSizeMove(w, static_cast<LRESULT>(wparam));
+      StartSizeMove(w, static_cast<LRESULT>(wparam), lparam);
       return 0;
     default: return 0;
   }
