@@ -65,6 +65,7 @@ void ResetDesktop() {
       if (!tops.empty() && tops.front()->handle == hwnd) tops.erase(tops.begin());
     }
   }
+  DropWindowDCs(Window::Desktop()->handle);
   WindowClass::UnregisterAll();
   UserState& s = UserState::Get();
   const SIZE screen = s.screen;

@@ -435,6 +435,11 @@ void ForgetWindow(HWND hwnd) {
 void Activate(HWND hwnd, WORD how) {
   UserState& s = UserState::Get();
   Window* w = Window::Get(hwnd);
+  if (w != nullptr && w->parent == nullptr) {
+    // The desktop is never the active window.
+    hwnd = nullptr;
+    w = nullptr;
+  }
   if (w != nullptr && !w->IsTopLevel()) {
     hwnd = w->TopLevel()->handle;
     w = Window::Get(hwnd);

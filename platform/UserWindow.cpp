@@ -20,6 +20,15 @@ namespace {
 constexpr UINT kNoClientSize = 0x0800;
 constexpr UINT kNoClientMove = 0x1000;
 constexpr DWORD kErrorTlwWithWsChild = 1406;
+// Deeper trees than this are refused, so that the tree walks stay shallow;
+// real window trees are a handful of levels deep.
+constexpr int kMaxDepth = 256;
+
+int Depth(const Window* w) {
+  int depth = 0;
+  for (; w != nullptr; w = w->parent) ++depth;
+  return depth;
+}
 
 String ToString(LPCWSTR text) { return text ? String(text) : String(); }
 
@@ -119,6 +128,10 @@ HWND CreateWindowImpl(DWORD ex_style, LPCWSTR class_name, const String& name, DW
     parent = Window::Get(parent_hwnd);
     if (parent == nullptr) {
       SetLastError(parent_hwnd ? ERROR_INVALID_WINDOW_HANDLE : kErrorTlwWithWsChild);
+      return nullptr;
+    }
+    if (Depth(parent) >= kMaxDepth) {
+      SetLastError(ERROR_INVALID_PARAMETER);
       return nullptr;
     }
   } else {
@@ -564,6 +577,10 @@ HWND SetParent(HWND child, HWND new_parent) {
     return nullptr;
   }
   // A window can't go under itself or its own descendant.
+  if (Depth(p) >= kMaxDepth) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return nullptr;
+  }
   for (Window* a = p; a != nullptr; a = a->parent) {
     if (a == w.get()) {
       SetLastError(ERROR_INVALID_PARAMETER);
