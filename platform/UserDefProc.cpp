@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/Gdi.h"
+#include "platform/Text.h"
 #include "platform/UserState.h"
 
 using vantor::String;
@@ -114,6 +115,77 @@ LRESULT EraseBackground(Window& w, HDC dc) {
   return 1;
 }
 
+void Fill(HDC dc, LONG l, LONG t, LONG r, LONG b, int color) {
+  RECT rect{l, t, r, b};
+  FillRect(dc, &rect, GetSysColorBrush(color));
+}
+
+// A one-pixel edge: `light` on the top and left, `dark` on the bottom and
+// right, as the classic 3-D look draws it.
+void Edge(HDC dc, RECT r, int light, int dark) {
+  Fill(dc, r.left, r.top, r.right - 1, r.top + 1, light);
+  Fill(dc, r.left, r.top + 1, r.left + 1, r.bottom - 1, light);
+  Fill(dc, r.right - 1, r.top, r.right, r.bottom, dark);
+  Fill(dc, r.left, r.bottom - 1, r.right - 1, r.bottom, dark);
+}
+
+RECT Inset(RECT r, int by) { return RECT{r.left + by, r.top + by, r.right - by, r.bottom - by}; }
+
+// The classic frame: raised dialog or sizing border, or a plain line; the
+// caption bar with its title; client and static edges; the scroll-bar
+// places in the button face.
+void PaintFrame(Window& w) {
+  if (!w.HasFrame()) return;
+  HDC dc = GetWindowDC(w.handle);
+  if (dc == nullptr) return;
+  RECT r{0, 0, w.Width(), w.Height()};
+  const bool thick = (w.style & WS_THICKFRAME) != 0;
+  const bool dialog = (w.style & WS_DLGFRAME) != 0 || (w.ex_style & WS_EX_DLGMODALFRAME) != 0;
+  if (thick || dialog) {
+    const int frame = thick ? GetSystemMetrics(SM_CXFRAME) : GetSystemMetrics(SM_CXDLGFRAME);
+    Edge(dc, r, COLOR_3DLIGHT, COLOR_3DDKSHADOW);
+    Edge(dc, Inset(r, 1), COLOR_BTNHIGHLIGHT, COLOR_BTNSHADOW);
+    for (int i = 2; i < frame; ++i) Edge(dc, Inset(r, i), COLOR_BTNFACE, COLOR_BTNFACE);
+    r = Inset(r, frame);
+  } else if ((w.style & WS_BORDER) != 0) {
+    Edge(dc, r, COLOR_WINDOWFRAME, COLOR_WINDOWFRAME);
+    r = Inset(r, 1);
+  }
+  if ((w.style & WS_CAPTION) == WS_CAPTION) {
+    const int height = (w.ex_style & WS_EX_TOOLWINDOW) != 0 ? GetSystemMetrics(SM_CYSMCAPTION)
+                                                            : GetSystemMetrics(SM_CYCAPTION);
+    RECT bar{r.left, r.top, r.right, r.top + height - 1};
+    const bool active = w.caption_active;
+    Fill(dc, bar.left, bar.top, bar.right, bar.bottom,
+         active ? COLOR_ACTIVECAPTION : COLOR_INACTIVECAPTION);
+    Fill(dc, bar.left, bar.bottom, bar.right, bar.bottom + 1, COLOR_BTNFACE);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(active ? COLOR_CAPTIONTEXT : COLOR_INACTIVECAPTIONTEXT));
+    HGDIOBJ old = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+    RECT text{bar.left + 3, bar.top, bar.right - 2, bar.bottom};
+    DrawTextW(dc, w.text.c_str(), static_cast<int>(w.text.size()), &text,
+              DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
+    SelectObject(dc, old);
+    r.top += height;
+  }
+  if ((w.ex_style & WS_EX_CLIENTEDGE) != 0) {
+    Edge(dc, r, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
+    Edge(dc, Inset(r, 1), COLOR_3DDKSHADOW, COLOR_3DLIGHT);
+    r = Inset(r, 2);
+  }
+  if ((w.ex_style & WS_EX_STATICEDGE) != 0) {
+    Edge(dc, r, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT);
+    r = Inset(r, 1);
+  }
+  // What is left outside the client is scroll-bar room.
+  const POINT origin = w.WindowOrigin();
+  const RECT c = w.ScreenClient();
+  const RECT client{c.left - origin.x, c.top - origin.y, c.right - origin.x, c.bottom - origin.y};
+  if (client.right < r.right) Fill(dc, client.right, r.top, r.right, r.bottom, COLOR_BTNFACE);
+  if (client.bottom < r.bottom) Fill(dc, r.left, client.bottom, client.right, r.bottom, COLOR_BTNFACE);
+  ReleaseDC(w.handle, dc);
+}
+
 void StartSizeMove(Window& w, LRESULT hit, LPARAM where) {
   if (hit != HTCAPTION && (hit < HTLEFT || hit > HTBOTTOMRIGHT)) return;
   if (hit != HTCAPTION && (w.style & WS_THICKFRAME) == 0) return;
@@ -183,6 +255,7 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       } else {
         w.text = vantor::FromAnsi(reinterpret_cast<LPCSTR>(lparam));
       }
+      if ((w.style & WS_CAPTION) == WS_CAPTION && w.ReallyVisible()) PaintFrame(w);
       vantor::platform::Touch();
       return TRUE;
     }
@@ -240,7 +313,13 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
     case WM_ACTIVATE:
       if (LOWORD(wparam) != WA_INACTIVE && (w.style & WS_MINIMIZE) == 0) SetFocus(hwnd);
       return 0;
-    case WM_NCACTIVATE: return TRUE;
+    case WM_NCACTIVATE:
+      if (w.caption_active != (wparam != 0)) {
+        w.caption_active = wparam != 0;
+        if ((w.style & WS_CAPTION) == WS_CAPTION) PaintFrame(w);
+      }
+      return TRUE;
+    case WM_NCPAINT: PaintFrame(w); return 0;
     case WM_SETREDRAW:
       if (wparam != 0) {
         w.style |= WS_VISIBLE;

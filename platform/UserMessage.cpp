@@ -536,6 +536,9 @@ LRESULT Dispatch(const MSG* msg, bool unicode) {
     // A procedure that answers WM_PAINT without painting would be sent it
     // for ever; the pump takes the update region as handled.
     if (Window* again = Window::Get(msg->hwnd)) {
+      vantor::platform::PaintFrameIfDue(*again);
+    }
+    if (Window* again = Window::Get(msg->hwnd)) {
       again->update.SetEmpty();
       again->erase = false;
       again->internal_paint = false;

@@ -120,8 +120,10 @@ void PaintNow(const std::shared_ptr<Window>& w, bool children, bool erase_only) 
   if (!w->ReallyVisible()) return;
   if (erase_only) {
     EraseNow(*w);
-  } else if (!w->update.Empty() || w->internal_paint) {
+  } else if (!w->update.Empty() || w->internal_paint || w->frame_dirty) {
     SendMessageW(w->handle, WM_PAINT, 0, 0);
+    if (Window::Get(w->handle) != w.get()) return;
+    vantor::platform::PaintFrameIfDue(*w);
     if (Window::Get(w->handle) != w.get()) return;
     // As the pump does: a procedure that didn't paint is taken as done.
     w->update.SetEmpty();
@@ -137,7 +139,7 @@ void PaintNow(const std::shared_ptr<Window>& w, bool children, bool erase_only) 
 
 Window* FindPaint(Window& w, HWND filter) {
   if (!w.Visible()) return nullptr;
-  if (w.parent != nullptr && (!w.update.Empty() || w.internal_paint) &&
+  if (w.parent != nullptr && (!w.update.Empty() || w.internal_paint || w.frame_dirty) &&
       (filter == nullptr || w.handle == filter || IsChild(filter, w.handle))) {
     return &w;
   }
@@ -155,8 +157,21 @@ namespace vantor::platform {
 
 void Touch() { ++UserState::Get().generation; }
 
+void InvalidateFrame(Window& w) {
+  if (w.parent == nullptr || !w.HasFrame()) return;
+  w.frame_dirty = true;
+  Touch();
+}
+
+void PaintFrameIfDue(Window& w) {
+  if (!w.frame_dirty) return;
+  w.frame_dirty = false;
+  if (w.ReallyVisible()) SendMessageW(w.handle, WM_NCPAINT, 1, 0);
+}
+
 void InvalidateWindow(Window& w, const Region* client_region, bool erase, bool children) {
   if (!w.ReallyVisible() || w.parent == nullptr) return;
+  if (client_region == nullptr) InvalidateFrame(w);
   Region r(ClientBounds(w));
   if (client_region != nullptr) r.Intersect(*client_region);
   if (r.Empty()) return;
@@ -303,6 +318,8 @@ HDC BeginPaint(HWND hwnd, PAINTSTRUCT* paint) {
     SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     return nullptr;
   }
+  vantor::platform::PaintFrameIfDue(*w);
+  if (vantor::platform::Window::Get(hwnd) != w.get()) return nullptr;
   const Region area = w->update;
   const bool erase = w->erase;
   w->update.SetEmpty();

@@ -103,6 +103,10 @@ void ForgetWindow(HWND hwnd);
 // Painting (UserPaint.cpp): a window whose WM_PAINT is due, parents first.
 Window* NextPaintWindow(HWND filter);
 void InvalidateWindow(Window& window, const Region* client_region, bool erase, bool children);
+// The frame (caption, borders, edges) is repainted by WM_NCPAINT with the
+// next paint: BeginPaint sends it first, as on the platform.
+void InvalidateFrame(Window& window);
+void PaintFrameIfDue(Window& window);
 // The top-level's pixels may have changed.
 void Touch();
 

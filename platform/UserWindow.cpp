@@ -754,6 +754,7 @@ BOOL SetWindowPos(HWND hwnd, HWND insert_after, int x, int y, int cx, int cy, UI
       if (sized || !was_visible || (flags & SWP_FRAMECHANGED) != 0 || !w->IsTopLevel()) {
         vantor::platform::InvalidateWindow(*w, nullptr, true, true);
       }
+      if ((flags & SWP_FRAMECHANGED) != 0) vantor::platform::InvalidateFrame(*w);
     }
   }
   vantor::platform::RefreshWindowDCs();

@@ -40,6 +40,8 @@ class Window {
   Region update;
   bool erase = false;
   bool internal_paint = false;
+  bool frame_dirty = false;     // WM_NCPAINT is due with the next paint
+  bool caption_active = false;  // as the last WM_NCACTIVATE said
   std::unique_ptr<Region> window_region;  // window coordinates
 
   bool layered_set = false;
@@ -54,6 +56,10 @@ class Window {
   bool destroying = false;
   bool created = false;  // WM_NCCREATE has been answered with TRUE
 
+  bool HasFrame() const {
+    return rect.left != client.left || rect.top != client.top || rect.right != client.right ||
+           rect.bottom != client.bottom;
+  }
   bool Visible() const { return (style & WS_VISIBLE) != 0; }
   bool IsChild() const { return (style & WS_CHILD) != 0; }
   bool IsTopLevel() const;

@@ -130,7 +130,7 @@ TEST_F(UserPaintTest, ChildDCsDrawAtTheChildsPlaceOnTheTopLevelSurface) {
   EXPECT_EQ(Pixel(w, 11, 21), 0xFF0000u);  // red
   EXPECT_EQ(Pixel(w, 40, 50), 0xFF0000u);
   EXPECT_EQ(Pixel(w, 41, 51), 0xFFu);
-  EXPECT_EQ(Pixel(w, 0, 0), 0u);  // the border is not the client's
+  EXPECT_EQ(Pixel(w, 0, 0), 0x646464u);  // the border: COLOR_WINDOWFRAME
   // GetDC draws there too, clipped to the child.
   HDC dc = GetDC(c);
   ASSERT_NE(dc, nullptr);
@@ -213,6 +213,33 @@ TEST_F(UserPaintTest, UpdateWindowPaintsAtOnce) {
   L().handlers[WM_PAINT] = [](HWND, WPARAM, LPARAM, bool*) -> LRESULT { return 0; };
   InvalidateRect(w, nullptr, FALSE);
   EXPECT_LT(RunUntilIdle(), 5);
+}
+
+TEST_F(UserPaintTest, FramesAndCaptionsArePaintedInTheClassicLook) {
+  HWND w = Top(10, 10, 120, 80, WS_OVERLAPPED | WS_CAPTION | WS_THICKFRAME | WS_VISIBLE);
+  RunUntilIdle();
+  EXPECT_FALSE(L().Of(WM_NCPAINT, w).empty());
+  // Sizing border: light and highlight lines, then the button face.
+  EXPECT_EQ(Pixel(w, 0, 40), 0xE3E3E3u);   // COLOR_3DLIGHT
+  EXPECT_EQ(Pixel(w, 1, 40), 0xFFFFFFu);   // COLOR_BTNHIGHLIGHT
+  EXPECT_EQ(Pixel(w, 2, 40), 0xF0F0F0u);   // COLOR_BTNFACE
+  EXPECT_EQ(Pixel(w, 119, 40), 0x696969u);  // COLOR_3DDKSHADOW
+  EXPECT_EQ(Pixel(w, 118, 40), 0xA0A0A0u);  // COLOR_BTNSHADOW
+  // The caption of the active window, 18 rows and a face-coloured line.
+  EXPECT_EQ(Pixel(w, 100, 4), 0x99B4D1u);  // COLOR_ACTIVECAPTION
+  EXPECT_EQ(Pixel(w, 100, 21), 0x99B4D1u);
+  EXPECT_EQ(Pixel(w, 100, 22), 0xF0F0F0u);
+  HWND other = Top(300, 300, 10, 10);
+  RunUntilIdle();
+  EXPECT_EQ(GetActiveWindow(), other);
+  EXPECT_EQ(Pixel(w, 100, 4), 0xBFCDDBu);  // COLOR_INACTIVECAPTION
+  // A client edge is sunken.
+  HWND e = Top(0, 0, 30, 30, WS_POPUP | WS_VISIBLE, WS_EX_CLIENTEDGE);
+  RunUntilIdle();
+  EXPECT_EQ(Pixel(e, 0, 5), 0xA0A0A0u);
+  EXPECT_EQ(Pixel(e, 1, 5), 0x696969u);
+  EXPECT_EQ(Pixel(e, 29, 5), 0xFFFFFFu);
+  EXPECT_EQ(Pixel(e, 28, 5), 0xE3E3E3u);
 }
 
 TEST_F(UserPaintTest, WindowRegionsClipPainting) {
