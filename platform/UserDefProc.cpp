@@ -186,15 +186,17 @@ void PaintFrame(Window& w) {
   ReleaseDC(w.handle, dc);
 }
 
-void StartSizeMove(Window& w, LRESULT hit, LPARAM where) {
+void StartSizeMove(Window& w, LRESULT hit) {
   if (hit != HTCAPTION && (hit < HTLEFT || hit > HTBOTTOMRIGHT)) return;
   if (hit != HTCAPTION && (w.style & WS_THICKFRAME) == 0) return;
   if ((w.style & WS_MAXIMIZE) != 0) return;
   auto& sm = vantor::platform::CurrentSizeMove();
   sm.hwnd = w.handle;
   sm.hit = hit;
-  // The drag starts where the press was, in screen coordinates.
-  sm.start = POINT{GET_X_LPARAM(where), GET_Y_LPARAM(where)};
+  // The drag starts where the cursor was when the message being handled
+  // was taken, whatever the lParam says: controls send this message with 0.
+  const DWORD pos = GetMessagePos();
+  sm.start = POINT{GET_X_LPARAM(static_cast<LPARAM>(pos)), GET_Y_LPARAM(static_cast<LPARAM>(pos))};
   sm.rect = w.rect;
   SendMessageW(w.handle, WM_ENTERSIZEMOVE, 0, 0);
   if (Window::Get(sm.hwnd) == nullptr) {
@@ -346,7 +348,7 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       }
       return 0;
     case WM_NCLBUTTONDOWN:
-      StartSizeMove(w, static_cast<LRESULT>(wparam), lparam);
+      StartSizeMove(w, static_cast<LRESULT>(wparam));
       return 0;
     default: return 0;
   }

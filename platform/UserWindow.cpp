@@ -818,6 +818,10 @@ BOOL ShowWindow(HWND hwnd, int cmd) {
   UINT flags = SWP_SHOWWINDOW | SWP_NOSIZE | SWP_NOMOVE | SWP_NOZORDER;
   RECT target = w->rect;
   if (cmd == SW_MAXIMIZE) {
+    if ((w->style & WS_MAXIMIZE) == 0) {
+      w->normal = w->rect;
+      w->has_normal = true;
+    }
     w->style = (w->style | WS_MAXIMIZE) & ~WS_MINIMIZE;
     if (w->IsTopLevel()) {
       target = vantor::platform::UserState::Get().work_area;
@@ -825,9 +829,19 @@ BOOL ShowWindow(HWND hwnd, int cmd) {
     }
   } else if (cmd == SW_MINIMIZE || cmd == SW_SHOWMINIMIZED || cmd == SW_SHOWMINNOACTIVE ||
              cmd == SW_FORCEMINIMIZE) {
-    w->style = (w->style | WS_MINIMIZE) & ~WS_MAXIMIZE;
+    w->style = (w->style | WS_MINIMIZE);
   } else if (cmd == SW_RESTORE || cmd == SW_SHOWNORMAL) {
-    w->style &= ~(WS_MINIMIZE | WS_MAXIMIZE);
+    const bool was_minimized = (w->style & WS_MINIMIZE) != 0;
+    if (was_minimized) {
+      // Back to what it was before: maximized stays maximized.
+      w->style &= ~WS_MINIMIZE;
+    } else if ((w->style & WS_MAXIMIZE) != 0) {
+      w->style &= ~WS_MAXIMIZE;
+      if (w->has_normal) {
+        target = w->normal;
+        flags &= ~(SWP_NOSIZE | SWP_NOMOVE);
+      }
+    }
   }
   if (!was_visible) {
     Send(*w, WM_SHOWWINDOW, TRUE, 0);

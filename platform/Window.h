@@ -31,6 +31,8 @@ class Window {
   std::vector<std::shared_ptr<Window>> children;  // top of the z-order first
   RECT rect{};    // window rectangle, parent's client coordinates
   RECT client{};  // client rectangle, parent's client coordinates
+  RECT normal{};  // the rectangle to go back to after a maximize
+  bool has_normal = false;
   String text;
   std::vector<std::pair<String, HANDLE>> props;
   std::vector<uint8_t> extra;  // cbWndExtra bytes

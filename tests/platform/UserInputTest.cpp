@@ -479,6 +479,28 @@ TEST_F(UserInputTest, CaptionDragMovesTheWindow) {
   EXPECT_EQ(L().Sequence({WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE}),
             (std::vector<UINT>{WM_ENTERSIZEMOVE, WM_EXITSIZEMOVE}));
   EXPECT_EQ(GetCapture(), nullptr);
+  // A control that starts the drag itself, the way skinned forms do.
+  HWND strip = Child(w, 0, 0, 50, 20);
+  L().handlers[WM_LBUTTONDOWN] = [w, strip](HWND h, WPARAM, LPARAM, bool* handled) -> LRESULT {
+    if (h != strip) {
+      *handled = false;
+      return 0;
+    }
+    ReleaseCapture();
+    SendMessageW(w, WM_NCLBUTTONDOWN, HTCAPTION, 0);
+    return 0;
+  };
+  RunUntilIdle();
+  POINT p{10, 10};
+  ClientToScreen(strip, &p);
+  InjectMouseMove(p.x, p.y);
+  InjectMouseButton(MouseButton::Left, true);
+  InjectMouseMove(p.x + 5, p.y + 7);
+  InjectMouseButton(MouseButton::Left, false);
+  RunUntilIdle();
+  GetWindowRect(w, &r);
+  EXPECT_EQ(r.left, 145);
+  EXPECT_EQ(r.top, 147);
 }
 
 TEST_F(UserInputTest, CursorsAndPositions) {

@@ -351,6 +351,17 @@ TEST_F(UserWindowTest, ShowAndHideSendShowWindowAndChangeVisibility) {
   RECT r{};
   GetWindowRect(w, &r);
   EXPECT_EQ(r.bottom, 760);  // the work area above the task bar
+  ShowWindow(w, SW_MINIMIZE);
+  EXPECT_TRUE(IsIconic(w));
+  EXPECT_TRUE(TopLevelWindows().empty());  // nothing to show on the screen
+  ShowWindow(w, SW_RESTORE);
+  EXPECT_FALSE(IsIconic(w));
+  EXPECT_TRUE(IsZoomed(w));  // a maximized window comes back maximized
+  ShowWindow(w, SW_RESTORE);
+  EXPECT_FALSE(IsZoomed(w));
+  GetWindowRect(w, &r);
+  EXPECT_EQ(r.right, 10);
+  EXPECT_EQ(r.bottom, 10);
 }
 
 TEST_F(UserWindowTest, ParentOwnerAndAncestors) {
