@@ -341,6 +341,23 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
         s.last_press_point = e.point;
       }
     }
+    if (!captured && client && e.kind == InputEvent::kButton && e.down &&
+        (msg == kButtonDown[e.button])) {
+      // A press on a child tells its parents, unless it asked not to.
+      for (Window* c = Window::Get(target); c != nullptr && c->IsChild() &&
+                                            (c->ex_style & WS_EX_NOPARENTNOTIFY) == 0;) {
+        Window* p = c->parent;
+        if (p == nullptr || p->parent == nullptr) break;
+        const HWND ph = p->handle;
+        const POINT o = p->ClientOrigin();
+        SendMessageW(ph, WM_PARENTNOTIFY,
+                     MAKEWPARAM(static_cast<WORD>(msg),
+                                e.button >= 3 ? (e.button == 3 ? XBUTTON1 : XBUTTON2) : 0),
+                     PackPoint(e.point.x - o.x, e.point.y - o.y));
+        if (!Alive(target) || !Alive(ph)) return false;
+        c = Window::Get(ph);
+      }
+    }
     WPARAM wparam = client ? MouseKeys() : static_cast<WPARAM>(hit);
     if (e.kind == InputEvent::kButton && e.button >= 3) {
       wparam = MAKEWPARAM(static_cast<WORD>(wparam), e.button == 3 ? XBUTTON1 : XBUTTON2);

@@ -35,6 +35,11 @@ TEST_F(UserInputTest, MouseMessagesPackClientCoordinatesAndKeys) {
   auto downs = L().Of(WM_LBUTTONDOWN);
   ASSERT_EQ(downs.size(), 1u);
   EXPECT_EQ(downs[0].wparam, MK_LBUTTON | MK_SHIFT);
+  // The parent heard of the press first, in its own coordinates.
+  auto notify = L().Of(WM_PARENTNOTIFY, w);
+  ASSERT_EQ(notify.size(), 1u);
+  EXPECT_EQ(LOWORD(notify[0].wparam), WM_LBUTTONDOWN);
+  EXPECT_EQ(notify[0].lparam, MAKELPARAM(60, 70));
   InjectMouseButton(MouseButton::Left, false);
   InjectKey(VK_SHIFT, false);
   InjectMouseButton(MouseButton::X2, true);
