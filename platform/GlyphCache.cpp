@@ -175,14 +175,18 @@ void GlyphCache::Render(char32_t code_point, Glyph& out) {
   out = Glyph{};
   FT_Face face = native_->face;
   const FT_UInt index = FT_Get_Char_Index(face, code_point);
-  // Advances come from the normal hinting whatever the edges, so that text
-  // measures as the platform measures it; plain pixels are shaped by the
-  // monochrome hinting, which keeps stems one pixel wide as aliased text
-  // has them.
+  // Text measures with the normal hinting whatever its edges, as the
+  // platform's metrics do. Plain glyphs are shaped by the monochrome hinting,
+  // which keeps stems one pixel wide, and drawn with the advances that
+  // hinting gave them, as the platform's aliased text output places them.
   if (FT_Load_Glyph(face, index, FT_LOAD_DEFAULT | FT_LOAD_TARGET_NORMAL) != 0) return;
   FT_GlyphSlot slot = face->glyph;
   out.advance = static_cast<int>((slot->advance.x + 32) >> 6);
-  if (!grey_ && FT_Load_Glyph(face, index, FT_LOAD_DEFAULT | FT_LOAD_TARGET_MONO) != 0) return;
+  out.draw_advance = out.advance;
+  if (!grey_) {
+    if (FT_Load_Glyph(face, index, FT_LOAD_DEFAULT | FT_LOAD_TARGET_MONO) != 0) return;
+    out.draw_advance = static_cast<int>((slot->advance.x + 32) >> 6);
+  }
   if (slot->format != FT_GLYPH_FORMAT_BITMAP &&
       FT_Render_Glyph(slot, grey_ ? FT_RENDER_MODE_NORMAL : FT_RENDER_MODE_MONO) != 0) {
     return;

@@ -15,9 +15,10 @@
 namespace vantor::platform {
 
 struct Glyph {
-  int advance = 0;  // pixels to the next pen position
-  int left = 0;     // from the pen position to the first column
-  int top = 0;      // from the baseline up to the first row
+  int advance = 0;       // pixels to the next pen position when measuring
+  int draw_advance = 0;  // and when drawing: plain glyphs keep their own fit
+  int left = 0;          // from the pen position to the first column
+  int top = 0;           // from the baseline up to the first row
   int width = 0;
   int height = 0;
   std::vector<uint8_t> coverage;  // width * height bytes, rows top down

@@ -79,6 +79,50 @@ void Blend(DeviceContext& dc, const Glyph& glyph, long long x, long long y, cons
                               static_cast<int>(box.bottom - box.top), glyph.width, color);
 }
 
+struct Placed {
+  const Glyph* glyph;
+  long long x, y;
+};
+
+// The glyphs of a run are merged into one mask and blended at once: the
+// DC's clip is then walked once a run instead of once a glyph. Runs too
+// large for a scratch mask go glyph by glyph.
+void BlendRun(DeviceContext& dc, const std::vector<Placed>& placed, const Box* clip,
+              COLORREF color) {
+  if (placed.empty()) return;
+  Box box{kFar, kFar, -kFar, -kFar};
+  for (const Placed& p : placed) {
+    box.left = std::min(box.left, p.x);
+    box.top = std::min(box.top, p.y);
+    box.right = std::max(box.right, p.x + p.glyph->width);
+    box.bottom = std::max(box.bottom, p.y + p.glyph->height);
+  }
+  if (clip != nullptr) box = box.Intersect(*clip);
+  box = box.Intersect({-kFar, -kFar, kFar, kFar});
+  if (box.Empty()) return;
+  const long long width = box.right - box.left;
+  const long long height = box.bottom - box.top;
+  constexpr long long kMaxMask = 1 << 22;
+  if (width * height > kMaxMask) {
+    for (const Placed& p : placed) Blend(dc, *p.glyph, p.x, p.y, clip, color);
+    return;
+  }
+  static std::vector<uint8_t> mask;
+  mask.assign(static_cast<size_t>(width * height), 0);
+  for (const Placed& p : placed) {
+    const Glyph& g = *p.glyph;
+    const Box part = Box{p.x, p.y, p.x + g.width, p.y + g.height}.Intersect(box);
+    for (long long y = part.top; y < part.bottom; ++y) {
+      const uint8_t* from = g.coverage.data() + (y - p.y) * g.width + (part.left - p.x);
+      uint8_t* to = mask.data() + (y - box.top) * width + (part.left - box.left);
+      for (long long i = 0; i < part.right - part.left; ++i) to[i] = std::max(to[i], from[i]);
+    }
+  }
+  vantor::platform::BlendMask(dc, static_cast<int>(box.left), static_cast<int>(box.top),
+                              mask.data(), static_cast<int>(width), static_cast<int>(height),
+                              static_cast<int>(width), color);
+}
+
 struct Paint {
   bool opaque = false;      // fill the cells with the back colour
   bool draw_glyphs = true;  // DT_PREFIXONLY draws only the underline
@@ -108,25 +152,58 @@ void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringVie
   } else {
     layout.Positions(text, paint.tab_width, positions);
   }
-  const long long width = positions[text.size()];
-  const COLORREF color = dc.state.text_color;
-  if (paint.opaque) Fill(dc, {x, y, x + width, y + tm.tmHeight}, clip, dc.state.bk_color);
-
   GlyphCache* glyphs = font.Glyphs();
-  const long long baseline = y + tm.tmAscent;
-  if (paint.draw_glyphs && glyphs != nullptr && x + width > -kFar && x < kFar) {
+  // Where the glyphs go: each stretch between tabs starts where measuring
+  // put it and goes on by the drawing advances.
+  static std::vector<long long> placed_at;
+  placed_at.assign(positions.begin(), positions.end());
+  if (paint.dx == nullptr && glyphs != nullptr) {
+    long long pen = 0;
     for (size_t i = 0; i < text.size(); ++i) {
+      const bool after_tab = i > 0 && text[i - 1] == u'\t' && paint.tab_width > 0;
+      if (i == 0 || after_tab) pen = positions[i];
+      placed_at[i] = pen;
       const char16_t c = text[i];
-      if (c >= 0xDC00 && c <= 0xDFFF && i > 0) continue;
+      if (c >= 0xDC00 && c <= 0xDFFF && i > 0 && text[i - 1] >= 0xD800 && text[i - 1] <= 0xDBFF) {
+        continue;
+      }
       char32_t cp = c;
       if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
           text[i + 1] <= 0xDFFF) {
         cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
       }
+      if (cp != u'\t' || paint.tab_width <= 0) {
+        pen = std::min<long long>(pen + glyphs->Get(cp).draw_advance, kFar);
+      }
+    }
+    const bool ends_in_tab = !text.empty() && text.back() == u'\t' && paint.tab_width > 0;
+    placed_at[text.size()] = ends_in_tab ? positions[text.size()] : pen;
+  }
+  // The cell, underline and strike-out span the measured width.
+  const long long width = positions[text.size()];
+  const COLORREF color = dc.state.text_color;
+  if (paint.opaque) Fill(dc, {x, y, x + width, y + tm.tmHeight}, clip, dc.state.bk_color);
+
+  const long long baseline = y + tm.tmAscent;
+  if (paint.draw_glyphs && glyphs != nullptr && x + width > -kFar && x < kFar) {
+    static std::vector<Placed> placed;
+    placed.clear();
+    for (size_t i = 0; i < text.size(); ++i) {
+      const char16_t c = text[i];
+      const bool high = c >= 0xD800 && c <= 0xDBFF;
+      const bool low = c >= 0xDC00 && c <= 0xDFFF;
+      if (low && i > 0 && text[i - 1] >= 0xD800 && text[i - 1] <= 0xDBFF) continue;
+      char32_t cp = c;
+      if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
+        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
+      }
       if (cp == u'\t' && paint.tab_width > 0) continue;
       const Glyph& glyph = glyphs->Get(cp);
-      Blend(dc, glyph, x + positions[i] + glyph.left, baseline - glyph.top, clip, color);
+      if (glyph.width > 0 && glyph.height > 0) {
+        placed.push_back({&glyph, x + placed_at[i] + glyph.left, baseline - glyph.top});
+      }
     }
+    BlendRun(dc, placed, clip, color);
   }
   if (paint.draw_glyphs && tm.tmUnderlined != 0) {
     const long long top = baseline + face.underline_offset;
