@@ -82,6 +82,8 @@ class UserTest : public ::testing::Test {
     ASSERT_NE(RegisterClassExW(&wc), 0);
   }
   void TearDown() override {
+    // Handlers may hold the test's locals: none may run while the windows go.
+    Log::Get().handlers.clear();
     ResetDesktop();
     Log::Get() = Log{};
     Clock::SetManual(false);
