@@ -38,44 +38,37 @@ struct AxisMap {
   std::vector<int64_t> first;
 };
 
-// The platform walks both axes with Bresenham's error term: growing, a
-// source pixel repeats until the error turns positive; shrinking, a
-// destination pixel takes the source pixel on which the error turns positive.
-AxisMap MapAxis(int64_t dst, int64_t src, int64_t src_start, bool mirror, int64_t src_limit) {
+// Which source pixel a destination pixel takes. Growing, it is the one under
+// the destination pixel's centre, ties going to the lower one. Shrinking, it
+// is the one half a pixel before the end of the destination pixel's span;
+// rows are walked from the bottom up when shrinking, so they take that rule
+// mirrored. For the scan-combining modes, `first` is where the group of
+// source pixels a destination pixel stands for begins.
+AxisMap MapAxis(int64_t dst, int64_t src, int64_t src_start, bool mirror, int64_t src_limit,
+                bool rows = false) {
   AxisMap m;
   m.pick.assign(static_cast<size_t>(dst), 0);
   m.first.assign(static_cast<size_t>(dst), 0);
-  if (dst == src) {
-    for (int64_t i = 0; i < dst; ++i)
-      m.pick[static_cast<size_t>(i)] = m.first[static_cast<size_t>(i)] = i;
-  } else if (dst > src) {
-    int64_t err = 2 * src - dst, k = 0;
-    for (int64_t i = 0; i < dst; ++i) {
-      m.pick[static_cast<size_t>(i)] = m.first[static_cast<size_t>(i)] = std::min(k, src - 1);
-      if (err > 0) {
-        ++k;
-        err += 2 * (src - dst);
-      } else {
-        err += 2 * src;
-      }
+  auto shrink = [&](int64_t i) { return ((2 * i + 2) * src - dst) / (2 * dst); };
+  for (int64_t i = 0; i < dst; ++i) {
+    int64_t k, first;
+    if (dst == src) {
+      k = first = i;
+    } else if (dst > src) {
+      k = first = (2 * i * src + src - 1) / (2 * dst);
+    } else if (!rows) {
+      k = shrink(i);
+      first = i == 0 ? 0 : shrink(i - 1) + 1;
+    } else {
+      // Walked from the bottom, a row's group reaches down to the row
+      // before the next one kept.
+      k = src - 1 - shrink(dst - 1 - i);
+      first = i == dst - 1 ? src - 1 : src - 1 - shrink(dst - 2 - i) - 1;
     }
-  } else {
-    int64_t err = 2 * dst - src, i = 0, group = 0;
-    for (int64_t k = 0; k < src && i < dst; ++k) {
-      if (err > 0) {
-        m.pick[static_cast<size_t>(i)] = k;
-        m.first[static_cast<size_t>(i)] = group;
-        ++i;
-        group = k + 1;
-        err += 2 * (dst - src);
-      } else {
-        err += 2 * dst;
-      }
-    }
-    for (; i < dst; ++i) {
-      m.pick[static_cast<size_t>(i)] = src - 1;
-      m.first[static_cast<size_t>(i)] = std::min(group, src - 1);
-    }
+    k = std::clamp<int64_t>(k, 0, src - 1);
+    first = std::clamp<int64_t>(first, 0, src - 1);
+    m.pick[static_cast<size_t>(i)] = k;
+    m.first[static_cast<size_t>(i)] = first;
   }
   for (int64_t i = 0; i < dst; ++i) {
     for (auto* v : {&m.pick[static_cast<size_t>(i)], &m.first[static_cast<size_t>(i)]}) {
@@ -83,7 +76,6 @@ AxisMap MapAxis(int64_t dst, int64_t src, int64_t src_start, bool mirror, int64_
       k += src_start;
       *v = (k < 0 || k >= src_limit) ? -1 : k;
     }
-    if (mirror) std::swap(m.pick[static_cast<size_t>(i)], m.first[static_cast<size_t>(i)]);
   }
   return m;
 }
@@ -94,8 +86,10 @@ struct Extent {
   bool negative;  // given right to left (or bottom to top)
 };
 
+// A negative extent runs leftwards (or upwards) from the starting pixel,
+// which it includes.
 Extent Normalize(int64_t origin, int64_t size) {
-  if (size < 0) return Extent{origin + size, -size, true};
+  if (size < 0) return Extent{origin + size + 1, -size, true};
   return Extent{origin, size, false};
 }
 
@@ -107,28 +101,88 @@ struct Sampled {
   int64_t width = 0;
 };
 
-uint32_t AverageBox(const Surface& s, int64_t x0, int64_t x1, int64_t y0, int64_t y1, int64_t xn,
-                    int64_t xd, int64_t yn, int64_t yd) {
-  (void)xn, (void)xd, (void)yn, (void)yd;
-  uint64_t sum[4] = {0, 0, 0, 0};
-  uint64_t n = 0;
-  for (int64_t y = y0; y <= y1; ++y) {
-    for (int64_t x = x0; x <= x1; ++x) {
-      const uint32_t p = s.At(static_cast<int>(x), static_cast<int>(y));
-      for (int c = 0; c < 4; ++c) sum[c] += (p >> (8 * c)) & 0xFF;
-      ++n;
+// HALFTONE: a destination pixel interpolates between the source pixels
+// around its position, along each row first and then between the two rows,
+// each step rounded to a whole value; positions advance by the ratio in
+// single precision, as the platform's engine steps them.
+struct LerpAxis {
+  std::vector<int64_t> k0, k1;  // source indexes, -1 when outside the source
+  std::vector<float> f;
+};
+
+LerpAxis Positions(int64_t dst, int64_t src, int64_t src_start, bool mirror, int64_t limit) {
+  LerpAxis a;
+  a.k0.assign(static_cast<size_t>(dst), -1);
+  a.k1.assign(static_cast<size_t>(dst), -1);
+  a.f.assign(static_cast<size_t>(dst), 0.0f);
+  const float step = static_cast<float>(static_cast<double>(src) / static_cast<double>(dst));
+  float position = 0.0f;
+  for (int64_t n = 0; n < dst; ++n) {
+    const float p = position;
+    position += step;
+    int64_t k = static_cast<int64_t>(p);
+    float f = p - static_cast<float>(k);
+    int64_t k1 = k + 1;
+    if (k >= src - 1) {
+      k = k1 = src - 1;
+      f = 0.0f;
+    }
+    // Mirrored, the destination still fills from its left (or top) edge,
+    // over the source read backwards.
+    const size_t i = static_cast<size_t>(n);
+    const int64_t s0 = src_start + (mirror ? src - 1 - k : k);
+    const int64_t s1 = src_start + (mirror ? src - 1 - k1 : k1);
+    if (s0 < 0 || s1 < 0 || s0 >= limit || s1 >= limit) continue;
+    a.k0[i] = s0;
+    a.k1[i] = s1;
+    a.f[i] = f;
+  }
+  return a;
+}
+
+inline uint32_t Lerp(uint32_t a, uint32_t b, float f) {
+  const float v = static_cast<float>(a) + static_cast<float>(static_cast<int>(b) - static_cast<int>(a)) * f;
+  return static_cast<uint32_t>(static_cast<double>(v) + 0.5);
+}
+
+Sampled SampleHalftone(const Surface& src, Extent dx, Extent dy, Extent sx, Extent sy) {
+  Sampled out;
+  const LerpAxis ax = Positions(dx.size, sx.size, sx.start, dx.negative != sx.negative, src.width);
+  const LerpAxis ay = Positions(dy.size, sy.size, sy.start, dy.negative != sy.negative, src.height);
+  out.width = dx.size;
+  const size_t count = static_cast<size_t>(dx.size * dy.size);
+  out.pixels.assign(count, 0);
+  out.valid.assign(count, 0);
+  for (int64_t j = 0; j < dy.size; ++j) {
+    const size_t jj = static_cast<size_t>(j);
+    if (ay.k0[jj] < 0) continue;
+    const uint32_t* r0 = src.Row(static_cast<int>(ay.k0[jj]));
+    const uint32_t* r1 = src.Row(static_cast<int>(ay.k1[jj]));
+    for (int64_t i = 0; i < dx.size; ++i) {
+      const size_t ii = static_cast<size_t>(i);
+      if (ax.k0[ii] < 0) continue;
+      const uint32_t a = r0[ax.k0[ii]], b = r0[ax.k1[ii]], c = r1[ax.k0[ii]], d = r1[ax.k1[ii]];
+      uint32_t v = 0;
+      for (int shift = 0; shift < 32; shift += 8) {
+        const uint32_t top = Lerp((a >> shift) & 0xFF, (b >> shift) & 0xFF, ax.f[ii]);
+        const uint32_t bottom = Lerp((c >> shift) & 0xFF, (d >> shift) & 0xFF, ax.f[ii]);
+        v |= std::min<uint32_t>(Lerp(top, bottom, ay.f[jj]), 255) << shift;
+      }
+      const size_t at = static_cast<size_t>(j * dx.size + i);
+      out.pixels[at] = v;
+      out.valid[at] = 1;
     }
   }
-  uint32_t out = 0;
-  for (int c = 0; c < 4; ++c) out |= static_cast<uint32_t>((sum[c] + n / 2) / n) << (8 * c);
   return out;
 }
 
-Sampled Sample(const Surface& src, Extent dx, Extent dy, Extent sx, Extent sy, int mode) {
+Sampled Sample(const Surface& src, Extent dx, Extent dy, Extent sx, Extent sy, int mode,
+               bool rows_from_bottom = true) {
+  if (mode == HALFTONE) return SampleHalftone(src, dx, dy, sx, sy);
   Sampled out;
   const bool mirror_x = dx.negative != sx.negative, mirror_y = dy.negative != sy.negative;
   const AxisMap mx = MapAxis(dx.size, sx.size, sx.start, mirror_x, src.width);
-  const AxisMap my = MapAxis(dy.size, sy.size, sy.start, mirror_y, src.height);
+  const AxisMap my = MapAxis(dy.size, sy.size, sy.start, mirror_y, src.height, rows_from_bottom);
   out.width = dx.size;
   const size_t count = static_cast<size_t>(dx.size * dy.size);
   out.pixels.assign(count, 0);
@@ -147,9 +201,7 @@ Sampled Sample(const Surface& src, Extent dx, Extent dy, Extent sx, Extent sy, i
       if (r0 < 0) r0 = row;
       const int64_t cl = std::min(c0, col), ch = std::max(c0, col);
       const int64_t rl = std::min(r0, row), rh = std::max(r0, row);
-      if (mode == HALFTONE && (shrink_x || shrink_y)) {
-        out.pixels[at] = AverageBox(src, cl, ch, rl, rh, 0, 1, 0, 1);
-      } else if ((mode == BLACKONWHITE || mode == WHITEONBLACK) && (shrink_x || shrink_y)) {
+      if ((mode == BLACKONWHITE || mode == WHITEONBLACK) && (shrink_x || shrink_y)) {
         // The scans a shrink drops are merged into the one it keeps.
         uint32_t acc = mode == BLACKONWHITE ? 0xFFFFFFFFu : 0u;
         for (int64_t y = rl; y <= rh; ++y) {
@@ -526,7 +578,7 @@ BOOL AlphaBlend(HDC dest, int x, int y, int width, int height, HDC src, int x_sr
   AxisMap mx, my;
   if (stretch) {
     mx = MapAxis(width, src_width, sx, false, ss.width);
-    my = MapAxis(height, src_height, sy, false, ss.height);
+    my = MapAxis(height, src_height, sy, false, ss.height, true);
   }
   std::vector<uint32_t> row_buffer;
   const Surface& t = d->Target();
@@ -622,7 +674,7 @@ BOOL TransparentBlt(HDC dest, int x, int y, int width, int height, HDC src, int 
   }
   const Extent dx = Normalize(d->SurfaceX(x), width), dy = Normalize(d->SurfaceY(y), height);
   Sampled sampled = Sample(*ss, dx, dy, Normalize(s->SurfaceX(x_src), src_width),
-                           Normalize(s->SurfaceY(y_src), src_height), COLORONCOLOR);
+                           Normalize(s->SurfaceY(y_src), src_height), d->state.stretch_mode);
   // The key compares colours only, whatever the alpha byte holds.
   const uint32_t key = ColorToPixel(transparent);
   for (size_t i = 0; i < sampled.pixels.size(); ++i) {

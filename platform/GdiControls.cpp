@@ -44,20 +44,36 @@ RECT Deflate(const RECT& r, LONG by) {
   return RECT{r.left + by, r.top + by, r.right - by, r.bottom - by};
 }
 
+// A checked button's face: the face colour and the highlight in a
+// checkerboard aligned on the device origin.
+void Dither(DeviceContext& dc, const RECT& s) {
+  const uint32_t face = Sys(kBtnFace), light = Sys(kBtnHighlight);
+  const vantor::platform::Surface& t = dc.Target();
+  vantor::platform::ForEachClipRect(dc, s, [&](const RECT& r) {
+    for (LONG y = r.top; y < r.bottom; ++y) {
+      for (LONG x = r.left; x < r.right; ++x) {
+        t.At(x, y) = (((x - dc.origin.x) + (y - dc.origin.y)) & 1) ? light : face;
+      }
+    }
+  });
+}
+
 void PushButton(DeviceContext& dc, const RECT& s, UINT state) {
   if (state & DFCS_FLAT) {
     Ring(dc, s, Sys(kBtnShadow), Sys(kBtnShadow));
-    Fill(dc, Deflate(s, 1), Sys(kBtnFace));
-    return;
-  }
-  if (state & (DFCS_PUSHED | DFCS_CHECKED)) {
+    Ring(dc, Deflate(s, 1), Sys(kBtnFace), Sys(kBtnFace));
+  } else if (state & (DFCS_PUSHED | DFCS_CHECKED)) {
     Ring(dc, s, Sys(kDkShadow), Sys(kBtnHighlight));
     Ring(dc, Deflate(s, 1), Sys(kBtnShadow), Sys(kLight));
   } else {
     Ring(dc, s, Sys(kBtnHighlight), Sys(kDkShadow));
     Ring(dc, Deflate(s, 1), Sys(kLight), Sys(kBtnShadow));
   }
-  Fill(dc, Deflate(s, 2), Sys(kBtnFace));
+  if (state & DFCS_CHECKED) {
+    Dither(dc, Deflate(s, 2));
+  } else {
+    Fill(dc, Deflate(s, 2), Sys(kBtnFace));
+  }
 }
 
 void CheckBox(DeviceContext& dc, const RECT& s, UINT state) {
@@ -71,16 +87,17 @@ void CheckBox(DeviceContext& dc, const RECT& s, UINT state) {
   const uint32_t inside = grey ? Sys(kBtnFace) : Sys(kWindow);
   if (state & DFCS_FLAT) {
     Ring(dc, box, Sys(kBtnShadow), Sys(kBtnShadow));
-    Fill(dc, Deflate(box, 1), inside);
+    Ring(dc, Deflate(box, 1), Sys(kBtnFace), Sys(kBtnFace));
+    Fill(dc, Deflate(box, 2), inside);
   } else {
     Ring(dc, box, Sys(kBtnShadow), Sys(kBtnHighlight));
     Ring(dc, Deflate(box, 1), Sys(kDkShadow), Sys(kLight));
     Fill(dc, Deflate(box, 2), inside);
   }
   if ((state & DFCS_CHECKED) == 0) return;
-  // The classic tick: seven columns, each three pixels tall, going down two
-  // rows and up four.
-  static constexpr int kTop[7] = {2, 3, 4, 3, 2, 1, 0};
+  // The classic tick: seven columns, each three pixels tall, going down one
+  // row, staying, then up four.
+  static constexpr int kTop[7] = {3, 4, 4, 3, 2, 1, 0};
   const uint32_t ink = (state & DFCS_INACTIVE) ? Sys(kBtnShadow) : Sys(kWindowText);
   const LONG cx = x + (side - 7) / 2, cy = y + (side - 7) / 2;
   for (LONG i = 0; i < 7; ++i) {
@@ -104,7 +121,7 @@ BOOL DrawFocusRect(HDC dc, const RECT* rect) {
   for (const RECT& r : ring.Rects()) {
     for (LONG y = r.top; y < r.bottom; ++y) {
       for (LONG x = r.left; x < r.right; ++x) {
-        if (((x - d->origin.x) + (y - d->origin.y)) % 2 == 0) t.At(x, y) ^= 0x00FFFFFFu;
+        if ((((x - d->origin.x) + (y - d->origin.y)) & 1) != 0) t.At(x, y) ^= 0x00FFFFFFu;
       }
     }
   }

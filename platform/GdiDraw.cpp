@@ -283,7 +283,19 @@ int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
   DeviceContext* d = DcFromHandle(dc);
   Brush* b = BrushArg(brush);
   if (d == nullptr || rect == nullptr || b == nullptr) return 0;
-  const RECT s = d->SurfaceRect(*rect);
+  // FillRect is a PatBlt of the rectangle's extents: a negative one runs
+  // back from its starting pixel, which it includes.
+  auto run = [](LONG from, LONG to, LONG* lo, LONG* hi) {
+    if (to >= from) {
+      *lo = from, *hi = to;
+    } else {
+      *lo = to + 1, *hi = from + 1;
+    }
+  };
+  RECT n;
+  run(rect->left, rect->right, &n.left, &n.right);
+  run(rect->top, rect->bottom, &n.top, &n.bottom);
+  const RECT s = d->SurfaceRect(n);
   if (b->tile.empty() && !b->IsNull()) {
     vantor::platform::FillSurfaceRect(*d, s, ColorToPixel(b->log.lbColor));
   } else {

@@ -70,21 +70,38 @@ TEST(GdiBlit, StretchNearestRepeatsAndDropsAsTheErrorTermSays) {
   SetStretchBltMode(odd.dc(), COLORONCOLOR);
   StretchBlt(big.dc(), 0, 0, 8, 1, src.dc(), 0, 0, 4, 1, SRCCOPY);
   for (int x = 0; x < 8; ++x) EXPECT_EQ(big.At(x, 0) >> 8, static_cast<uint32_t>(x / 2)) << x;
+  // Shrinking takes the pixel half a pixel before the end of each span:
+  // 4 -> 2 takes 1 and 3, 4 -> 3 takes 0 (at 0.83), 2 (at 2.17) and 3.
   StretchBlt(small.dc(), 0, 0, 2, 1, src.dc(), 0, 0, 4, 1, SRCCOPY);
   EXPECT_EQ(small.At(0, 0) >> 8, 1u);
   EXPECT_EQ(small.At(1, 0) >> 8, 3u);
-  // 4 -> 3: the error starts at 2*3-4 = 2 > 0, so the first pixel is kept.
   StretchBlt(odd.dc(), 0, 0, 3, 1, src.dc(), 0, 0, 4, 1, SRCCOPY);
   EXPECT_EQ(odd.At(0, 0) >> 8, 0u);
   EXPECT_EQ(odd.At(1, 0) >> 8, 2u);
   EXPECT_EQ(odd.At(2, 0) >> 8, 3u);
+  // Growing takes the pixel under the centre: 2 -> 7 gives 0 0 0 1 1 1 1
+  // (the centre of pixel 3 falls at 1.0 exactly and goes down).
+  Canvas two(2, 1), seven(7, 1);
+  Pattern(two, 2, 1);
+  SetStretchBltMode(seven.dc(), COLORONCOLOR);
+  StretchBlt(seven.dc(), 0, 0, 7, 1, two.dc(), 0, 0, 2, 1, SRCCOPY);
+  const uint32_t grown[] = {0, 0, 0, 0, 1, 1, 1};
+  for (int x = 0; x < 7; ++x) EXPECT_EQ(seven.At(x, 0) >> 8, grown[x]) << x;
+  // Rows shrink from the bottom up: 4 -> 3 takes rows 0, 1 and 3.
+  Canvas column(1, 4), short_column(1, 3);
+  for (int y = 0; y < 4; ++y) column.At(0, y) = static_cast<uint32_t>(y);
+  SetStretchBltMode(short_column.dc(), COLORONCOLOR);
+  StretchBlt(short_column.dc(), 0, 0, 1, 3, column.dc(), 0, 0, 1, 4, SRCCOPY);
+  EXPECT_EQ(short_column.At(0, 0), 0u);
+  EXPECT_EQ(short_column.At(0, 1), 1u);
+  EXPECT_EQ(short_column.At(0, 2), 3u);
 }
 
 TEST(GdiBlit, StretchMirrorsOnOppositeSigns) {
   Canvas src(4, 1), dst(4, 1);
   Pattern(src, 4, 1);
-  // Corners 4 and 0: the same four pixels, right to left.
-  StretchBlt(dst.dc(), 4, 0, -4, 1, src.dc(), 0, 0, 4, 1, SRCCOPY);
+  // A negative width runs left from the starting pixel, which it includes.
+  StretchBlt(dst.dc(), 3, 0, -4, 1, src.dc(), 0, 0, 4, 1, SRCCOPY);
   EXPECT_EQ(dst.At(0, 0) >> 8, 3u);
   EXPECT_EQ(dst.At(3, 0) >> 8, 0u);
 }
@@ -95,9 +112,23 @@ TEST(GdiBlit, HalftoneAveragesAndAndScansMerge) {
   src.At(1, 0) = 0x0000FF00;
   src.At(0, 1) = 0x000000FF;
   src.At(1, 1) = 0x00FFFFFF;
+  // HALFTONE interpolates at positions stepped by the ratio: 2 -> 1 lands
+  // on the first pixel exactly.
   SetStretchBltMode(dst.dc(), HALFTONE);
   StretchBlt(dst.dc(), 0, 0, 1, 1, src.dc(), 0, 0, 2, 2, SRCCOPY);
-  EXPECT_EQ(dst.At(0, 0), 0x00808080u);  // (255 + 255 + 2) / 4 per channel
+  EXPECT_EQ(dst.At(0, 0), 0x00FF0000u);
+  // 2 -> 5 along a row: positions 0, 0.4, 0.8, 1.2 (past the last pixel:
+  // held), 1.6; each channel rounded.
+  Canvas row(2, 1, 0), wide(5, 1, 0);
+  row.At(0, 0) = 0x00000000;
+  row.At(1, 0) = 0x00FF6401;
+  SetStretchBltMode(wide.dc(), HALFTONE);
+  StretchBlt(wide.dc(), 0, 0, 5, 1, row.dc(), 0, 0, 2, 1, SRCCOPY);
+  EXPECT_EQ(wide.At(0, 0), 0x00000000u);
+  EXPECT_EQ(wide.At(1, 0), 0x00662800u);  // 102, 40, 0.4 -> 0
+  EXPECT_EQ(wide.At(2, 0), 0x00CC5001u);  // 204, 80, 0.8 -> 1
+  EXPECT_EQ(wide.At(3, 0), 0x00FF6401u);
+  EXPECT_EQ(wide.At(4, 0), 0x00FF6401u);
   SetStretchBltMode(dst.dc(), BLACKONWHITE);
   StretchBlt(dst.dc(), 0, 0, 1, 1, src.dc(), 0, 0, 2, 2, SRCCOPY);
   EXPECT_EQ(dst.At(0, 0), 0u);

@@ -127,11 +127,16 @@ TEST(GdiDraw, FillRectLeavesOutRightAndBottomAndTakesSystemColourIndexes) {
   EXPECT_EQ(c.At(3, 2), 0x00010203u);
   EXPECT_EQ(c.At(4, 2), kWhite);
   EXPECT_EQ(c.At(3, 3), kWhite);
-  // Upside-down rectangles draw nothing.
-  RECT flipped{4, 3, 1, 1};
+  // Upside down, the rectangle runs back from its first corner, which it
+  // includes, as PatBlt's negative extents do.
+  RECT flipped{3, 2, 1, 1};
   c.Fill(kWhite);
   FillRect(c.dc(), &flipped, b);
-  EXPECT_EQ(c.At(2, 2), kWhite);
+  EXPECT_EQ(c.At(1, 1), kWhite);
+  EXPECT_EQ(c.At(2, 2), 0x00010203u);
+  EXPECT_EQ(c.At(3, 2), 0x00010203u);
+  EXPECT_EQ(c.At(2, 3), kWhite);
+  EXPECT_EQ(c.At(4, 2), kWhite);
   // (HBRUSH)(COLOR_BTNFACE + 1)
   FillRect(c.dc(), &r, reinterpret_cast<HBRUSH>(static_cast<uintptr_t>(15 + 1)));
   EXPECT_EQ(c.At(2, 2), vantor::platform::ColorToPixel(GetSysColor(15)));
@@ -320,10 +325,10 @@ TEST(GdiDraw, FocusRectIsADottedInversionThatUndoesItself) {
   EXPECT_TRUE(DrawFocusRect(c.dc(), &r));
   EXPECT_EQ(c.Art(0x00808080),
             "........\n"
-            ".#.#.#..\n"
-            "......#.\n"
-            ".#......\n"
             "..#.#.#.\n"
+            ".#......\n"
+            "......#.\n"
+            ".#.#.#..\n"
             "........\n");
   DrawFocusRect(c.dc(), &r);
   EXPECT_EQ(c.Art(0x00808080), Canvas(8, 6, 0x00808080).Art(0x00808080));
@@ -341,8 +346,11 @@ TEST(GdiDraw, FrameControlCheckBoxAndPushButton) {
   EXPECT_EQ(c.At(1, 1), px(21));    // dark shadow inner
   EXPECT_EQ(c.At(11, 11), px(22));  // light inner bottom-right
   EXPECT_EQ(c.At(2, 2), px(5));     // window colour inside
-  EXPECT_EQ(c.At(3, 5), px(8));     // the tick's first column
-  EXPECT_EQ(c.At(3, 8), px(5));
+  EXPECT_EQ(c.At(3, 5), px(5));     // the tick's first column: rows 6 to 8
+  EXPECT_EQ(c.At(3, 6), px(8));
+  EXPECT_EQ(c.At(3, 8), px(8));
+  EXPECT_EQ(c.At(4, 6), px(5));     // the second: rows 7 to 9
+  EXPECT_EQ(c.At(4, 9), px(8));
   EXPECT_EQ(c.At(9, 3), px(8));     // its last column
   EXPECT_TRUE(DrawFrameControl(c.dc(), &r, DFC_BUTTON, DFCS_BUTTONPUSH | DFCS_ADJUSTRECT));
   EXPECT_EQ(c.At(0, 0), px(20));
@@ -352,6 +360,17 @@ TEST(GdiDraw, FrameControlCheckBoxAndPushButton) {
   EXPECT_EQ(c.At(6, 6), px(15));
   EXPECT_EQ(r.left, 2);
   EXPECT_EQ(r.bottom, 11);
+  // Checked push buttons show a dithered face; flat ones a shadow line and
+  // a face-coloured one inside it.
+  RECT p{0, 0, 13, 13};
+  DrawFrameControl(c.dc(), &p, DFC_BUTTON, DFCS_BUTTONPUSH | DFCS_CHECKED);
+  EXPECT_EQ(c.At(0, 0), px(21));
+  EXPECT_EQ(c.At(2, 2), px(15));
+  EXPECT_EQ(c.At(3, 2), px(20));
+  DrawFrameControl(c.dc(), &p, DFC_BUTTON, DFCS_BUTTONCHECK | DFCS_FLAT);
+  EXPECT_EQ(c.At(0, 0), px(16));
+  EXPECT_EQ(c.At(1, 1), px(15));
+  EXPECT_EQ(c.At(2, 2), px(5));
   EXPECT_FALSE(DrawFrameControl(c.dc(), &r, DFC_CAPTION, 0));
   EXPECT_FALSE(DrawFrameControl(c.dc(), nullptr, DFC_BUTTON, 0));
 }
