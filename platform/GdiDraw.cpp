@@ -70,7 +70,8 @@ Region WideStroke(const std::vector<POINT>& path, int width) {
     int first = 1, last = 0;
     for (int dx = -lo; dx < width - lo; ++dx) {
       const int64_t ex = 2 * dx + 1 - odd, ey = 2 * dy + 1 - odd;
-      if (ex * ex + ey * ey <= int64_t{width} * width) {
+      // A disc a little inside the pen's width: three pixels make a plus.
+      if (ex * ex + ey * ey < int64_t{width} * width - 1) {
         if (first > last) first = dx;
         last = dx;
       }
@@ -177,7 +178,9 @@ void DrawRounded(DeviceContext& dc, Box b, LONG corner_w, LONG corner_h) {
     // A wide pen paints a nib along the outline.
     std::vector<POINT> path;
     for (const RECT& r : ring.Rects()) {
-      for (LONG px = r.left; px < r.right; ++px) path.push_back(POINT{px, r.top});
+      for (LONG py = r.top; py < r.bottom; ++py) {
+        for (LONG px = r.left; px < r.right; ++px) path.push_back(POINT{px, py});
+      }
     }
     ring = WideStroke(path, std::min(pen->Width(), kMaxPenWidth));
   }
@@ -258,6 +261,19 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
   Region ring(outer);
   const Region hole(inner);
   ring.Subtract(hole);
+  if (w > 2 && pen->Style() != PS_INSIDEFRAME) {
+    // Wide pens join round: the nib travels the one-pixel outline.
+    Region path(s);
+    path.Subtract(RECT{s.left + 1, s.top + 1, s.right - 1, s.bottom - 1});
+    std::vector<POINT> pixels;
+    for (const RECT& r : path.Rects()) {
+      for (LONG py = r.top; py < r.bottom; ++py) {
+        for (LONG px = r.left; px < r.right; ++px) pixels.push_back(POINT{px, py});
+      }
+    }
+    ring = WideStroke(pixels, static_cast<int>(w));
+    ring.Subtract(hole);
+  }
   vantor::platform::BrushSurfaceRegion(*d, hole, brush, d->state.rop2);
   vantor::platform::PaintSurfaceRegion(*d, ring, ColorToPixel(pen->log.lopnColor),
                                        d->state.rop2);

@@ -97,6 +97,8 @@ TEST(GdiDraw, RectangleOutlinesWithThePenAndFillsWithTheBrush) {
   DeleteObject(gray);
 }
 
+// Three pixels wide, the pen is centred on the one-pixel outline and its
+// round nib leaves the outer corner pixels out.
 TEST(GdiDraw, WidePenRectangleGrowsOutwardsAndInwards) {
   Canvas c(10, 10);
   HPEN wide = CreatePen(PS_SOLID, 3, 0);
@@ -105,14 +107,14 @@ TEST(GdiDraw, WidePenRectangleGrowsOutwardsAndInwards) {
   Rectangle(c.dc(), 2, 2, 8, 8);
   EXPECT_EQ(c.Art(),
             "..........\n"
-            ".########.\n"
+            "..######..\n"
             ".########.\n"
             ".########.\n"
             ".###..###.\n"
             ".###..###.\n"
             ".########.\n"
             ".########.\n"
-            ".########.\n"
+            "..######..\n"
             "..........\n");
   SelectObject(c.dc(), GetStockObject(BLACK_PEN));
   DeleteObject(wide);
