@@ -322,6 +322,21 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       }
       return TRUE;
     case WM_NCPAINT: PaintFrame(w); return 0;
+    case WM_CTLCOLOREDIT:
+    case WM_CTLCOLORLISTBOX:
+    case 0x0132:  // WM_CTLCOLORMSGBOX
+    case WM_CTLCOLORBTN:
+    case 0x0136:  // WM_CTLCOLORDLG
+    case 0x0137:  // WM_CTLCOLORSCROLLBAR
+    case WM_CTLCOLORSTATIC: {
+      // Edits and lists on the window colour, the rest on the button face.
+      HDC dc = reinterpret_cast<HDC>(wparam);
+      const bool window = msg == WM_CTLCOLOREDIT || msg == WM_CTLCOLORLISTBOX;
+      const int back = msg == 0x0137 ? COLOR_SCROLLBAR : window ? COLOR_WINDOW : COLOR_BTNFACE;
+      SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+      SetBkColor(dc, GetSysColor(back));
+      return reinterpret_cast<LRESULT>(GetSysColorBrush(back));
+    }
     case WM_SETREDRAW:
       if (wparam != 0) {
         w.style |= WS_VISIBLE;

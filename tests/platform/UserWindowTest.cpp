@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "UserTestSupport.h"
+#include "platform/Gdi.h"
 
 namespace vantor::platform::test {
 namespace {
@@ -114,16 +115,32 @@ TEST_F(UserWindowTest, ClassesAreRegisteredOnceAndNotDroppedWhileInUse) {
   EXPECT_FALSE(UnregisterClassW(u"VantorTestWindow", nullptr));
 }
 
+std::string g_narrow_create_name;
+
+LRESULT CALLBACK NarrowDefault(HWND h, UINT m, WPARAM w, LPARAM l) {
+  if (m == WM_NCCREATE) g_narrow_create_name = reinterpret_cast<CREATESTRUCTA*>(l)->lpszName;
+  return DefWindowProcA(h, m, w, l);
+}
+
 TEST_F(UserWindowTest, ClassesCanBeNamedByAtomAndNarrowText) {
   WNDCLASSA wc{};
-  wc.lpfnWndProc = LoggingProc;
+  wc.lpfnWndProc = NarrowDefault;
   wc.lpszClassName = "Estreito";
   const ATOM atom = RegisterClassA(&wc);
   ASSERT_GE(atom, 0xC000);
-  HWND w = CreateWindowExW(0, MAKEINTATOM(atom), u"x", WS_POPUP, 0, 0, 5, 5, nullptr, nullptr,
+  HWND w = CreateWindowExW(0, MAKEINTATOM(atom), u"Olá", WS_POPUP, 0, 0, 5, 5, nullptr, nullptr,
                            nullptr, nullptr);
   ASSERT_NE(w, nullptr);
   EXPECT_FALSE(IsWindowUnicode(w));
+  EXPECT_EQ(g_narrow_create_name, "Ol\xE1");
+  WCHAR title[8];
+  EXPECT_EQ(GetWindowTextW(w, title, 8), 3);
+  EXPECT_EQ(String(title), u"Olá");
+  HWND n = CreateWindowExA(0, "estreito", "Pre\xE7o", WS_POPUP, 0, 0, 5, 5, nullptr, nullptr,
+                           nullptr, nullptr);
+  ASSERT_NE(n, nullptr);
+  EXPECT_EQ(g_narrow_create_name, "Pre\xE7o");
+  EXPECT_EQ(GetWindowTextLengthW(n), 5);
   WCHAR name[32];
   EXPECT_EQ(GetClassNameW(w, name, 32), 8);
   EXPECT_EQ(String(name), u"Estreito");
@@ -465,6 +482,19 @@ TEST_F(UserWindowTest, PropertiesAreKeyedWithoutCase) {
   EXPECT_EQ(RemovePropW(w, u"Magic"), nullptr);
   EXPECT_FALSE(SetPropW(nullptr, u"x", &a));
   EXPECT_EQ(GetPropW(w, nullptr), nullptr);
+}
+
+TEST_F(UserWindowTest, ControlColoursDefaultToTheSystemScheme) {
+  HWND w = Top(0, 0, 10, 10);
+  HDC dc = GetDC(w);
+  EXPECT_EQ(SendMessageW(w, WM_CTLCOLOREDIT, reinterpret_cast<WPARAM>(dc), 0),
+            reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_WINDOW)));
+  EXPECT_EQ(GetBkColor(dc), GetSysColor(COLOR_WINDOW));
+  EXPECT_EQ(SendMessageW(w, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc), 0),
+            reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE)));
+  EXPECT_EQ(GetBkColor(dc), GetSysColor(COLOR_BTNFACE));
+  EXPECT_EQ(GetTextColor(dc), GetSysColor(COLOR_WINDOWTEXT));
+  ReleaseDC(w, dc);
 }
 
 TEST_F(UserWindowTest, EnableWindowReportsThePreviousState) {
