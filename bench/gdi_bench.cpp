@@ -52,7 +52,9 @@ void pixman_image_composite32(pixman_op_t op, pixman_image_t* src, pixman_image_
                               int32_t mask_y, int32_t dest_x, int32_t dest_y, int32_t width,
                               int32_t height);
 }
-constexpr pixman_fixed_t pixman_int_to_fixed(int i) { return static_cast<pixman_fixed_t>(i) << 16; }
+constexpr pixman_fixed_t pixman_int_to_fixed(int i) {
+  return static_cast<pixman_fixed_t>(i) << 16;
+}
 #endif
 
 #include "platform/Gdi.h"
@@ -91,16 +93,16 @@ struct Target {
 
   Target() {
     BITMAPINFO info{};
-    info.bmiHeader = BITMAPINFOHEADER{sizeof(BITMAPINFOHEADER), kWidth, -kHeight, 1, 32, BI_RGB,
-                                      0, 0, 0, 0, 0};
+    info.bmiHeader =
+        BITMAPINFOHEADER{sizeof(BITMAPINFOHEADER), kWidth, -kHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     dc = CreateCompatibleDC(nullptr);
     void* p = nullptr;
     bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &p, nullptr, 0);
     bits = static_cast<uint32_t*>(p);
     SelectObject(dc, bitmap);
     peer_pixels.assign(static_cast<size_t>(kWidth) * kHeight, 0);
-    image = pixman_image_create_bits(PIXMAN_a8r8g8b8, kWidth, kHeight, peer_pixels.data(),
-                                     kWidth * 4);
+    image =
+        pixman_image_create_bits(PIXMAN_a8r8g8b8, kWidth, kHeight, peer_pixels.data(), kWidth * 4);
   }
   ~Target() {
     pixman_image_unref(image);
@@ -128,10 +130,11 @@ int main(int argc, char** argv) {
   const RECT all{0, 0, kWidth, kHeight};
   HBRUSH brush = CreateSolidBrush(RGB(10, 120, 200));
 
-  std::printf("%-30s %11s %13s   %-28s %11s\n", "operation (1920x1080)", "ours", "", "pixman",
-              "");
-  Row("FillRect solid", [&] { benchmark::DoNotOptimize(FillRect(dst.dc, &all, brush)); },
-      "fill_rectangles SRC", [&] {
+  std::printf("%-30s %11s %13s   %-28s %11s\n", "operation (1920x1080)", "ours", "", "pixman", "");
+  Row(
+      "FillRect solid", [&] { benchmark::DoNotOptimize(FillRect(dst.dc, &all, brush)); },
+      "fill_rectangles SRC",
+      [&] {
         const pixman_color_t color{0xC8C8, 0x7878, 0x0A0A, 0xFFFF};
         const pixman_rectangle16_t rect{0, 0, kWidth, kHeight};
         benchmark::DoNotOptimize(
@@ -140,56 +143,77 @@ int main(int argc, char** argv) {
 
   TRIVERTEX v[2] = {{0, 0, 0xFF00, 0, 0, 0}, {kWidth, kHeight, 0, 0, 0xFF00, 0}};
   GRADIENT_RECT mesh{0, 1};
-  pixman_gradient_stop_t stops[2] = {{0, {0xFFFF, 0, 0, 0}}, {pixman_int_to_fixed(1), {0, 0, 0xFFFF, 0}}};
+  pixman_gradient_stop_t stops[2] = {{0, {0xFFFF, 0, 0, 0}},
+                                     {pixman_int_to_fixed(1), {0, 0, 0xFFFF, 0}}};
   const pixman_point_fixed_t p1{0, 0}, p2{pixman_int_to_fixed(kWidth), 0};
   pixman_image_t* gradient = pixman_image_create_linear_gradient(&p1, &p2, stops, 2);
-  Row("GradientFill RECT_H", [&] {
-    benchmark::DoNotOptimize(GradientFill(dst.dc, v, 2, &mesh, 1, GRADIENT_FILL_RECT_H));
-  }, "linear gradient SRC", [&] {
-    pixman_image_composite32(PIXMAN_OP_SRC, gradient, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
-  Row("GradientFill RECT_V", [&] {
-    benchmark::DoNotOptimize(GradientFill(dst.dc, v, 2, &mesh, 1, GRADIENT_FILL_RECT_V));
-  }, "linear gradient SRC", [&] {
-    pixman_image_composite32(PIXMAN_OP_SRC, gradient, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
+  Row(
+      "GradientFill RECT_H",
+      [&] { benchmark::DoNotOptimize(GradientFill(dst.dc, v, 2, &mesh, 1, GRADIENT_FILL_RECT_H)); },
+      "linear gradient SRC",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_SRC, gradient, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
+  Row(
+      "GradientFill RECT_V",
+      [&] { benchmark::DoNotOptimize(GradientFill(dst.dc, v, 2, &mesh, 1, GRADIENT_FILL_RECT_V)); },
+      "linear gradient SRC",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_SRC, gradient, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
   pixman_image_unref(gradient);
 
   const BLENDFUNCTION per_pixel{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-  Row("AlphaBlend per-pixel", [&] {
-    benchmark::DoNotOptimize(
-        AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, per_pixel));
-  }, "composite32 OVER", [&] {
-    pixman_image_composite32(PIXMAN_OP_OVER, src.image, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
+  Row(
+      "AlphaBlend per-pixel",
+      [&] {
+        benchmark::DoNotOptimize(
+            AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, per_pixel));
+      },
+      "composite32 OVER",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_OVER, src.image, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
   const BLENDFUNCTION both{AC_SRC_OVER, 0, 160, AC_SRC_ALPHA};
   const pixman_color_t mask_color{0, 0, 0, 0xA0A0};
   pixman_image_t* mask = pixman_image_create_solid_fill(&mask_color);
-  Row("AlphaBlend per-pixel * 160", [&] {
-    benchmark::DoNotOptimize(
-        AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, both));
-  }, "composite32 OVER, solid mask", [&] {
-    pixman_image_composite32(PIXMAN_OP_OVER, src.image, mask, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
+  Row(
+      "AlphaBlend per-pixel * 160",
+      [&] {
+        benchmark::DoNotOptimize(
+            AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, both));
+      },
+      "composite32 OVER, solid mask",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_OVER, src.image, mask, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
   const BLENDFUNCTION constant{AC_SRC_OVER, 0, 160, 0};
-  Row("AlphaBlend constant 160", [&] {
-    benchmark::DoNotOptimize(
-        AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, constant));
-  }, "composite32 OVER, solid mask", [&] {
-    pixman_image_composite32(PIXMAN_OP_OVER, src.image, mask, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
+  Row(
+      "AlphaBlend constant 160",
+      [&] {
+        benchmark::DoNotOptimize(
+            AlphaBlend(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, kWidth, kHeight, constant));
+      },
+      "composite32 OVER, solid mask",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_OVER, src.image, mask, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
   pixman_image_unref(mask);
-  Row("BitBlt SRCCOPY", [&] {
-    benchmark::DoNotOptimize(BitBlt(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, SRCCOPY));
-  }, "composite32 SRC", [&] {
-    pixman_image_composite32(PIXMAN_OP_SRC, src.image, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
-                             kWidth, kHeight);
-  });
+  Row(
+      "BitBlt SRCCOPY",
+      [&] {
+        benchmark::DoNotOptimize(BitBlt(dst.dc, 0, 0, kWidth, kHeight, src.dc, 0, 0, SRCCOPY));
+      },
+      "composite32 SRC",
+      [&] {
+        pixman_image_composite32(PIXMAN_OP_SRC, src.image, nullptr, dst.image, 0, 0, 0, 0, 0, 0,
+                                 kWidth, kHeight);
+      });
   DeleteObject(brush);
   return 0;
 }

@@ -33,6 +33,8 @@ bool Bitmap::Allocate(int width, int height, bool bottom) {
   return true;
 }
 
-void* Bitmap::Bits() const { return const_cast<uint32_t*>(storage.data()); }
+void* Bitmap::Bits() const {
+  return const_cast<uint32_t*>(storage.data());
+}
 
 }  // namespace vantor::platform

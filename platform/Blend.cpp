@@ -10,7 +10,9 @@ namespace vantor::platform {
 
 namespace {
 
-inline uint32_t Channel(uint32_t p, int shift) { return (p >> shift) & 0xFF; }
+inline uint32_t Channel(uint32_t p, int shift) {
+  return (p >> shift) & 0xFF;
+}
 
 inline uint32_t OverPixel(uint32_t d, uint32_t s) {
   const uint32_t inv = 255 - (s >> 24);
@@ -78,8 +80,7 @@ void BlendPremultiplied(uint32_t* dst, const uint32_t* src, size_t count) {
   for (; i < count; ++i) dst[i] = OverPixel(dst[i], src[i]);
 }
 
-void BlendPremultipliedConstant(uint32_t* dst, const uint32_t* src, size_t count,
-                                uint32_t alpha) {
+void BlendPremultipliedConstant(uint32_t* dst, const uint32_t* src, size_t count, uint32_t alpha) {
   if (alpha >= 255) {
     BlendPremultiplied(dst, src, count);
     return;

@@ -63,11 +63,20 @@ RECT DeviceContext::SurfaceRect(const RECT& r) const {
 HGDIOBJ DeviceContext::Select(HGDIOBJ object, DWORD type) {
   HGDIOBJ* slot = nullptr;
   switch (type) {
-    case OBJ_PEN: slot = reinterpret_cast<HGDIOBJ*>(&state.pen); break;
-    case OBJ_BRUSH: slot = reinterpret_cast<HGDIOBJ*>(&state.brush); break;
-    case OBJ_FONT: slot = reinterpret_cast<HGDIOBJ*>(&state.font); break;
-    case OBJ_BITMAP: slot = reinterpret_cast<HGDIOBJ*>(&state.bitmap); break;
-    default: return nullptr;
+    case OBJ_PEN:
+      slot = reinterpret_cast<HGDIOBJ*>(&state.pen);
+      break;
+    case OBJ_BRUSH:
+      slot = reinterpret_cast<HGDIOBJ*>(&state.brush);
+      break;
+    case OBJ_FONT:
+      slot = reinterpret_cast<HGDIOBJ*>(&state.font);
+      break;
+    case OBJ_BITMAP:
+      slot = reinterpret_cast<HGDIOBJ*>(&state.bitmap);
+      break;
+    default:
+      return nullptr;
   }
   HGDIOBJ previous = *slot;
   if (GdiObject* o = GdiTable::Get(object)) ++o->selections;
@@ -131,8 +140,12 @@ void FillSolidRect(DeviceContext& dc, const RECT& logical, COLORREF color) {
   FillSurfaceRect(dc, dc.SurfaceRect(logical), ColorToPixel(color));
 }
 
-__attribute__((weak)) std::shared_ptr<GdiObject> MakeStockFont(int) { return nullptr; }
+__attribute__((weak)) std::shared_ptr<GdiObject> MakeStockFont(int) {
+  return nullptr;
+}
 
-__attribute__((weak)) int GetFontObject(GdiObject&, int, void*, bool) { return 0; }
+__attribute__((weak)) int GetFontObject(GdiObject&, int, void*, bool) {
+  return 0;
+}
 
 }  // namespace vantor::platform

@@ -141,7 +141,8 @@ LerpAxis Positions(int64_t dst, int64_t src, int64_t src_start, bool mirror, int
 }
 
 inline uint32_t Lerp(uint32_t a, uint32_t b, float f) {
-  const float v = static_cast<float>(a) + static_cast<float>(static_cast<int>(b) - static_cast<int>(a)) * f;
+  const float v =
+      static_cast<float>(a) + static_cast<float>(static_cast<int>(b) - static_cast<int>(a)) * f;
   return static_cast<uint32_t>(static_cast<double>(v) + 0.5);
 }
 

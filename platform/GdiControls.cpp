@@ -23,7 +23,9 @@ constexpr int kBtnHighlight = 20;
 constexpr int kDkShadow = 21;
 constexpr int kLight = 22;
 
-uint32_t Sys(int index) { return ColorToPixel(GetSysColor(index)); }
+uint32_t Sys(int index) {
+  return ColorToPixel(GetSysColor(index));
+}
 
 void Fill(DeviceContext& dc, const RECT& s, uint32_t pixel) {
   vantor::platform::FillSurfaceRect(dc, s, pixel);
@@ -144,12 +146,18 @@ BOOL DrawFrameControl(HDC dc, LPRECT rect, UINT type, UINT state) {
   return FALSE;
 }
 
-HTHEME OpenThemeData(HWND, LPCWSTR) { return nullptr; }
+HTHEME OpenThemeData(HWND, LPCWSTR) {
+  return nullptr;
+}
 
-HRESULT CloseThemeData(HTHEME) { return 0; }
+HRESULT CloseThemeData(HTHEME) {
+  return 0;
+}
 
 HRESULT DrawThemeBackground(HTHEME, HDC, int, int, const RECT*, const RECT*) {
   return static_cast<HRESULT>(0x80004005u);  // E_FAIL
 }
 
-BOOL IsThemeActive() { return FALSE; }
+BOOL IsThemeActive() {
+  return FALSE;
+}

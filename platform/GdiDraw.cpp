@@ -25,7 +25,9 @@ namespace {
 
 constexpr int kMaxPenWidth = 1 << 12;
 
-Pen* CurrentPen(const DeviceContext& dc) { return GdiTable::Get<Pen>(dc.state.pen, OBJ_PEN); }
+Pen* CurrentPen(const DeviceContext& dc) {
+  return GdiTable::Get<Pen>(dc.state.pen, OBJ_PEN);
+}
 Brush* CurrentBrush(const DeviceContext& dc) {
   return GdiTable::Get<Brush>(dc.state.brush, OBJ_BRUSH);
 }
@@ -37,7 +39,9 @@ Brush* BrushArg(HBRUSH brush) {
   return GdiTable::Get<Brush>(brush, OBJ_BRUSH);
 }
 
-bool DrawsOutline(const Pen* pen) { return pen != nullptr && pen->Style() != PS_NULL; }
+bool DrawsOutline(const Pen* pen) {
+  return pen != nullptr && pen->Style() != PS_NULL;
+}
 
 Region LogicalRegion(const DeviceContext& dc, const Region& logical) {
   Region r(logical);
@@ -51,12 +55,18 @@ const std::vector<int>* DashPattern(int style) {
       std::vector<int>{18, 6}, std::vector<int>{3, 3}, std::vector<int>{9, 6, 3, 6},
       std::vector<int>{9, 3, 3, 3, 3, 3}, std::vector<int>{1, 1}};
   switch (style) {
-    case PS_DASH: return &patterns[0];
-    case PS_DOT: return &patterns[1];
-    case PS_DASHDOT: return &patterns[2];
-    case PS_DASHDOTDOT: return &patterns[3];
-    case PS_ALTERNATE: return &patterns[4];
-    default: return nullptr;
+    case PS_DASH:
+      return &patterns[0];
+    case PS_DOT:
+      return &patterns[1];
+    case PS_DASHDOT:
+      return &patterns[2];
+    case PS_DASHDOTDOT:
+      return &patterns[3];
+    case PS_ALTERNATE:
+      return &patterns[4];
+    default:
+      return nullptr;
   }
 }
 
@@ -227,8 +237,7 @@ BOOL Polygon(HDC dc, const POINT* points, int count) {
   if (d == nullptr || points == nullptr || count < 2) return FALSE;
   std::vector<POINT> surface(points, points + count);
   for (POINT& p : surface) p = ToSurface(*d, p);
-  const Region inside =
-      vantor::platform::PolygonRegion(surface.data(), surface.size(), ALTERNATE);
+  const Region inside = vantor::platform::PolygonRegion(surface.data(), surface.size(), ALTERNATE);
   vantor::platform::BrushSurfaceRegion(*d, inside, CurrentBrush(*d), d->state.rop2);
   StrokePath(*d, points, static_cast<size_t>(count), true);
   return TRUE;
@@ -275,8 +284,7 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
     ring.Subtract(hole);
   }
   vantor::platform::BrushSurfaceRegion(*d, hole, brush, d->state.rop2);
-  vantor::platform::PaintSurfaceRegion(*d, ring, ColorToPixel(pen->log.lopnColor),
-                                       d->state.rop2);
+  vantor::platform::PaintSurfaceRegion(*d, ring, ColorToPixel(pen->log.lopnColor), d->state.rop2);
   return TRUE;
 }
 
@@ -371,7 +379,8 @@ BOOL FrameRgn(HDC dc, HRGN region, HBRUSH brush, int width, int height) {
   height = std::min(height, kMaxPenWidth);
   // The frame is what the region loses when shrunk by width and height.
   Region inner(r->region);
-  for (const POINT shift : {POINT{width, 0}, POINT{-width, 0}, POINT{0, height}, POINT{0, -height}}) {
+  for (const POINT shift :
+       {POINT{width, 0}, POINT{-width, 0}, POINT{0, height}, POINT{0, -height}}) {
     Region moved(r->region);
     moved.Offset(shift.x, shift.y);
     inner.Intersect(moved);

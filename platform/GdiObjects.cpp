@@ -63,7 +63,9 @@ bool ValidDibHeader(const BITMAPINFO* info) {
          h.biHeight != INT32_MIN && h.biPlanes == 1;
 }
 
-int ClipComplexity(const DeviceContext& dc) { return dc.Clip().Complexity(); }
+int ClipComplexity(const DeviceContext& dc) {
+  return dc.Clip().Complexity();
+}
 
 // A rectangle large enough to stand for "no clip" in device coordinates.
 Region Everything() {
@@ -238,11 +240,16 @@ HGDIOBJ GetCurrentObject(HDC dc, UINT type) {
   DeviceContext* d = DcFromHandle(dc);
   if (d == nullptr) return nullptr;
   switch (type) {
-    case OBJ_PEN: return d->state.pen;
-    case OBJ_BRUSH: return d->state.brush;
-    case OBJ_FONT: return d->state.font;
-    case OBJ_BITMAP: return d->state.bitmap;
-    default: return nullptr;
+    case OBJ_PEN:
+      return d->state.pen;
+    case OBJ_BRUSH:
+      return d->state.brush;
+    case OBJ_FONT:
+      return d->state.font;
+    case OBJ_BITMAP:
+      return d->state.bitmap;
+    default:
+      return nullptr;
   }
 }
 
@@ -251,13 +258,20 @@ int GetDeviceCaps(HDC dc, int index) {
   if (d == nullptr) return 0;
   switch (index) {
     case LOGPIXELSX:
-    case LOGPIXELSY: return 96;
-    case BITSPIXEL: return 32;
-    case PLANES: return 1;
-    case NUMCOLORS: return -1;
-    case HORZRES: return d->Target().width;
-    case VERTRES: return d->Target().height;
-    default: return 0;
+    case LOGPIXELSY:
+      return 96;
+    case BITSPIXEL:
+      return 32;
+    case PLANES:
+      return 1;
+    case NUMCOLORS:
+      return -1;
+    case HORZRES:
+      return d->Target().width;
+    case VERTRES:
+      return d->Target().height;
+    default:
+      return 0;
   }
 }
 
@@ -288,12 +302,24 @@ HBRUSH CreateHatchBrush(int hatch, COLORREF color) {
     for (int x = 0; x < 8; ++x) {
       bool on = false;
       switch (hatch) {
-        case HS_HORIZONTAL: on = y == 7; break;
-        case HS_VERTICAL: on = x == 7; break;
-        case HS_FDIAGONAL: on = x == y; break;
-        case HS_BDIAGONAL: on = x + y == 7; break;
-        case HS_CROSS: on = x == 7 || y == 7; break;
-        default: on = x == y || x + y == 7; break;
+        case HS_HORIZONTAL:
+          on = y == 7;
+          break;
+        case HS_VERTICAL:
+          on = x == 7;
+          break;
+        case HS_FDIAGONAL:
+          on = x == y;
+          break;
+        case HS_BDIAGONAL:
+          on = x + y == 7;
+          break;
+        case HS_CROSS:
+          on = x == 7 || y == 7;
+          break;
+        default:
+          on = x == y || x + y == 7;
+          break;
       }
       b->tile[static_cast<size_t>(y * 8 + x)] = on ? 1u : 0u;
     }
@@ -317,12 +343,16 @@ HBRUSH CreatePatternBrush(HBITMAP bitmap) {
 HBRUSH CreateBrushIndirect(const LOGBRUSH* brush) {
   if (brush == nullptr) return nullptr;
   switch (brush->lbStyle) {
-    case BS_SOLID: return CreateSolidBrush(brush->lbColor);
-    case BS_NULL: return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
-    case BS_HATCHED: return CreateHatchBrush(static_cast<int>(brush->lbHatch), brush->lbColor);
+    case BS_SOLID:
+      return CreateSolidBrush(brush->lbColor);
+    case BS_NULL:
+      return static_cast<HBRUSH>(GetStockObject(NULL_BRUSH));
+    case BS_HATCHED:
+      return CreateHatchBrush(static_cast<int>(brush->lbHatch), brush->lbColor);
     case BS_PATTERN:
       return CreatePatternBrush(reinterpret_cast<HBITMAP>(brush->lbHatch));
-    default: return nullptr;
+    default:
+      return nullptr;
   }
 }
 
@@ -330,16 +360,26 @@ HBRUSH CreateBrushIndirect(const LOGBRUSH* brush) {
 // linked, with the Windows 10 defaults of the colours GDI itself draws with.
 __attribute__((weak)) DWORD GetSysColor(int index) {
   switch (index) {
-    case 5: return RGB(255, 255, 255);   // COLOR_WINDOW
-    case 8: return RGB(0, 0, 0);         // COLOR_WINDOWTEXT
-    case 15: return RGB(240, 240, 240);  // COLOR_BTNFACE
-    case 16: return RGB(160, 160, 160);  // COLOR_BTNSHADOW
-    case 17: return RGB(109, 109, 109);  // COLOR_GRAYTEXT
-    case 18: return RGB(0, 0, 0);        // COLOR_BTNTEXT
-    case 20: return RGB(255, 255, 255);  // COLOR_BTNHIGHLIGHT
-    case 21: return RGB(105, 105, 105);  // COLOR_3DDKSHADOW
-    case 22: return RGB(227, 227, 227);  // COLOR_3DLIGHT
-    default: return 0;
+    case 5:
+      return RGB(255, 255, 255);  // COLOR_WINDOW
+    case 8:
+      return RGB(0, 0, 0);  // COLOR_WINDOWTEXT
+    case 15:
+      return RGB(240, 240, 240);  // COLOR_BTNFACE
+    case 16:
+      return RGB(160, 160, 160);  // COLOR_BTNSHADOW
+    case 17:
+      return RGB(109, 109, 109);  // COLOR_GRAYTEXT
+    case 18:
+      return RGB(0, 0, 0);  // COLOR_BTNTEXT
+    case 20:
+      return RGB(255, 255, 255);  // COLOR_BTNHIGHLIGHT
+    case 21:
+      return RGB(105, 105, 105);  // COLOR_3DDKSHADOW
+    case 22:
+      return RGB(227, 227, 227);  // COLOR_3DLIGHT
+    default:
+      return 0;
   }
 }
 
@@ -403,8 +443,8 @@ HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bpp, const void* b
       const size_t stride = static_cast<size_t>((width + 15) / 16 * 2);
       for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-          const bool on = (p[static_cast<size_t>(y) * stride + static_cast<size_t>(x / 8)] >>
-                           (7 - x % 8)) & 1;
+          const bool on =
+              (p[static_cast<size_t>(y) * stride + static_cast<size_t>(x / 8)] >> (7 - x % 8)) & 1;
           b->surface.At(x, y) = on ? 0x00FFFFFFu : 0u;
         }
       }
@@ -541,7 +581,9 @@ BOOL SetBrushOrgEx(HDC dc, int x, int y, LPPOINT previous) {
   return TRUE;
 }
 
-int SelectClipRgn(HDC dc, HRGN region) { return ExtSelectClipRgn(dc, region, RGN_COPY); }
+int SelectClipRgn(HDC dc, HRGN region) {
+  return ExtSelectClipRgn(dc, region, RGN_COPY);
+}
 
 int ExtSelectClipRgn(HDC dc, HRGN region, int mode) {
   DeviceContext* d = DcFromHandle(dc);
@@ -557,11 +599,21 @@ int ExtSelectClipRgn(HDC dc, HRGN region, int mode) {
   // The region is in device coordinates; the DC keeps its own copy.
   Region current = d->UserClip() != nullptr ? *d->UserClip() : Everything();
   switch (mode) {
-    case RGN_AND: current.Intersect(r->region); break;
-    case RGN_OR: current.Union(r->region); break;
-    case RGN_XOR: current.Xor(r->region); break;
-    case RGN_DIFF: current.Subtract(r->region); break;
-    default: current = r->region; break;
+    case RGN_AND:
+      current.Intersect(r->region);
+      break;
+    case RGN_OR:
+      current.Union(r->region);
+      break;
+    case RGN_XOR:
+      current.Xor(r->region);
+      break;
+    case RGN_DIFF:
+      current.Subtract(r->region);
+      break;
+    default:
+      current = r->region;
+      break;
   }
   d->SetUserClip(&current);
   return ClipComplexity(*d);

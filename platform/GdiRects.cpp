@@ -10,7 +10,9 @@ BOOL SetRect(LPRECT rect, int left, int top, int right, int bottom) {
   return TRUE;
 }
 
-BOOL SetRectEmpty(LPRECT rect) { return SetRect(rect, 0, 0, 0, 0); }
+BOOL SetRectEmpty(LPRECT rect) {
+  return SetRect(rect, 0, 0, 0, 0);
+}
 
 BOOL CopyRect(LPRECT dest, const RECT* src) {
   if (dest == nullptr || src == nullptr) return FALSE;
@@ -47,8 +49,8 @@ BOOL IntersectRect(LPRECT dest, const RECT* a, const RECT* b) {
     SetRectEmpty(dest);
     return FALSE;
   }
-  *dest = RECT{std::max(a->left, b->left), std::max(a->top, b->top),
-               std::min(a->right, b->right), std::min(a->bottom, b->bottom)};
+  *dest = RECT{std::max(a->left, b->left), std::max(a->top, b->top), std::min(a->right, b->right),
+               std::min(a->bottom, b->bottom)};
   return TRUE;
 }
 
@@ -64,8 +66,8 @@ BOOL UnionRect(LPRECT dest, const RECT* a, const RECT* b) {
   } else if (empty_b) {
     *dest = *a;
   } else {
-    *dest = RECT{std::min(a->left, b->left), std::min(a->top, b->top),
-                 std::max(a->right, b->right), std::max(a->bottom, b->bottom)};
+    *dest = RECT{std::min(a->left, b->left), std::min(a->top, b->top), std::max(a->right, b->right),
+                 std::max(a->bottom, b->bottom)};
   }
   return TRUE;
 }
@@ -81,11 +83,15 @@ BOOL SubtractRect(LPRECT dest, const RECT* a, const RECT* b) {
   RECT cut;
   if (b != nullptr && IntersectRect(&cut, a, b)) {
     if (cut.left == r.left && cut.right == r.right) {
-      if (cut.top == r.top) r.top = cut.bottom;
-      else if (cut.bottom == r.bottom) r.bottom = cut.top;
+      if (cut.top == r.top)
+        r.top = cut.bottom;
+      else if (cut.bottom == r.bottom)
+        r.bottom = cut.top;
     } else if (cut.top == r.top && cut.bottom == r.bottom) {
-      if (cut.left == r.left) r.left = cut.right;
-      else if (cut.right == r.right) r.right = cut.left;
+      if (cut.left == r.left)
+        r.left = cut.right;
+      else if (cut.right == r.right)
+        r.right = cut.left;
     }
   }
   if (IsRectEmpty(&r)) {

@@ -13,7 +13,9 @@ using vantor::platform::RegionObject;
 
 namespace {
 
-RegionObject* Rgn(HRGN handle) { return GdiTable::Get<RegionObject>(handle, OBJ_REGION); }
+RegionObject* Rgn(HRGN handle) {
+  return GdiTable::Get<RegionObject>(handle, OBJ_REGION);
+}
 
 HRGN Add(Region r) {
   return static_cast<HRGN>(GdiTable::Add(std::make_shared<RegionObject>(std::move(r))));
@@ -49,8 +51,8 @@ HRGN CreateRoundRectRgn(int left, int top, int right, int bottom, int width, int
   if (w > kMax || h > kMax || ew < 2 || eh < 2) {
     return Add(Region(l, t, static_cast<LONG>(l + w), static_cast<LONG>(t + h)));
   }
-  const auto spans = vantor::platform::RoundRectSpans(static_cast<LONG>(w), static_cast<LONG>(h),
-                                                      ew, eh);
+  const auto spans =
+      vantor::platform::RoundRectSpans(static_cast<LONG>(w), static_cast<LONG>(h), ew, eh);
   return Add(vantor::platform::SpansRegion(spans, l, t));
 }
 
@@ -147,10 +149,18 @@ int CombineRgn(HRGN dest, HRGN src1, HRGN src2, int mode) {
   if (b == nullptr) return ERROR;
   Region result = a->region;
   switch (mode) {
-    case RGN_AND: result.Intersect(b->region); break;
-    case RGN_OR: result.Union(b->region); break;
-    case RGN_XOR: result.Xor(b->region); break;
-    default: result.Subtract(b->region); break;
+    case RGN_AND:
+      result.Intersect(b->region);
+      break;
+    case RGN_OR:
+      result.Union(b->region);
+      break;
+    case RGN_XOR:
+      result.Xor(b->region);
+      break;
+    default:
+      result.Subtract(b->region);
+      break;
   }
   d->region = std::move(result);
   return d->region.Complexity();

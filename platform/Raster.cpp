@@ -16,17 +16,28 @@ Rop2Mask MakeRop2(int rop2, uint32_t pen) {
 
 uint32_t ApplyRop3(uint8_t rop, uint32_t p, uint32_t s, uint32_t d) {
   switch (rop) {
-    case 0xCC: return s;
-    case 0xF0: return p;
-    case 0x00: return 0;
-    case 0xFF: return 0xFFFFFFFF;
-    case 0x55: return ~d;
-    case 0xEE: return s | d;
-    case 0x88: return s & d;
-    case 0x66: return s ^ d;
-    case 0x33: return ~s;
-    case 0x5A: return p ^ d;
-    default: break;
+    case 0xCC:
+      return s;
+    case 0xF0:
+      return p;
+    case 0x00:
+      return 0;
+    case 0xFF:
+      return 0xFFFFFFFF;
+    case 0x55:
+      return ~d;
+    case 0xEE:
+      return s | d;
+    case 0x88:
+      return s & d;
+    case 0x66:
+      return s ^ d;
+    case 0x33:
+      return ~s;
+    case 0x5A:
+      return p ^ d;
+    default:
+      break;
   }
   uint32_t r = 0;
   for (unsigned i = 0; i < 8; ++i) {

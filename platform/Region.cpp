@@ -20,7 +20,9 @@ const pixman_region32_t* P(const void* storage) {
   return std::launder(reinterpret_cast<const pixman_region32_t*>(storage));
 }
 
-LONG Clamp(LONG v) { return std::clamp(v, -Region::kMaxCoord, Region::kMaxCoord); }
+LONG Clamp(LONG v) {
+  return std::clamp(v, -Region::kMaxCoord, Region::kMaxCoord);
+}
 
 // The clamped box, or nothing when the rectangle is empty.
 bool ToBox(LONG left, LONG top, LONG right, LONG bottom, pixman_box32_t* box) {
@@ -42,7 +44,9 @@ void InitRect(pixman_region32_t* r, LONG left, LONG top, LONG right, LONG bottom
 
 }  // namespace
 
-Region::Region() { pixman_region32_init(new (storage_) pixman_region32_t); }
+Region::Region() {
+  pixman_region32_init(new (storage_) pixman_region32_t);
+}
 
 Region::Region(LONG left, LONG top, LONG right, LONG bottom) {
   InitRect(new (storage_) pixman_region32_t, left, top, right, bottom);
@@ -77,7 +81,9 @@ Region& Region::operator=(Region&& other) noexcept {
   return *this;
 }
 
-Region::~Region() { pixman_region32_fini(P(storage_)); }
+Region::~Region() {
+  pixman_region32_fini(P(storage_));
+}
 
 Region Region::FromRects(const RECT* rects, size_t count) {
   Region result;
@@ -114,25 +120,33 @@ void Region::SetRect(LONG left, LONG top, LONG right, LONG bottom) {
   InitRect(P(storage_), left, top, right, bottom);
 }
 
-void Region::SetRect(const RECT& rect) { SetRect(rect.left, rect.top, rect.right, rect.bottom); }
+void Region::SetRect(const RECT& rect) {
+  SetRect(rect.left, rect.top, rect.right, rect.bottom);
+}
 
 void Region::Union(const Region& other) {
   pixman_region32_union(P(storage_), P(storage_), P(other.storage_));
 }
 
-void Region::Union(const RECT& rect) { Union(Region(rect)); }
+void Region::Union(const RECT& rect) {
+  Union(Region(rect));
+}
 
 void Region::Intersect(const Region& other) {
   pixman_region32_intersect(P(storage_), P(storage_), P(other.storage_));
 }
 
-void Region::Intersect(const RECT& rect) { Intersect(Region(rect)); }
+void Region::Intersect(const RECT& rect) {
+  Intersect(Region(rect));
+}
 
 void Region::Subtract(const Region& other) {
   pixman_region32_subtract(P(storage_), P(storage_), P(other.storage_));
 }
 
-void Region::Subtract(const RECT& rect) { Subtract(Region(rect)); }
+void Region::Subtract(const RECT& rect) {
+  Subtract(Region(rect));
+}
 
 void Region::Xor(const Region& other) {
   // (A - B) + (B - A)
@@ -156,7 +170,9 @@ void Region::Offset(LONG dx, LONG dy) {
   }
 }
 
-bool Region::Empty() const { return !pixman_region32_not_empty(P(storage_)); }
+bool Region::Empty() const {
+  return !pixman_region32_not_empty(P(storage_));
+}
 
 bool Region::Contains(LONG x, LONG y) const {
   return pixman_region32_contains_point(P(storage_), x, y, nullptr) != 0;
@@ -185,7 +201,8 @@ std::vector<RECT> Region::Rects() const {
   const pixman_box32_t* boxes = pixman_region32_rectangles(P(storage_), &n);
   std::vector<RECT> out;
   out.reserve(static_cast<size_t>(std::max(n, 0)));
-  for (int i = 0; i < n; ++i) out.push_back(RECT{boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2});
+  for (int i = 0; i < n; ++i)
+    out.push_back(RECT{boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2});
   return out;
 }
 

@@ -35,12 +35,18 @@ std::vector<POINT> LinePixels(LONG x0, LONG y0, LONG x1, LONG y1) {
   for (int64_t i = 0; i < length; ++i) {
     out.push_back(POINT{x, y});
     if (err + bias > 0) {
-      if (x_major) y += step_y; else x += step_x;
+      if (x_major)
+        y += step_y;
+      else
+        x += step_x;
       err += 2 * (minor - major);
     } else {
       err += 2 * minor;
     }
-    if (x_major) x += step_x; else y += step_y;
+    if (x_major)
+      x += step_x;
+    else
+      y += step_y;
   }
   return out;
 }
@@ -176,8 +182,10 @@ Region PolygonRegion(const POINT* points, size_t count, int fill_mode) {
     const int64_t bx = std::clamp<int64_t>(b.x, -Region::kMaxCoord, Region::kMaxCoord);
     const int64_t by = std::clamp<int64_t>(b.y, -Region::kMaxCoord, Region::kMaxCoord);
     if (ay == by) continue;
-    if (ay < by) edges.push_back(Edge{ax, ay, bx, by, 1});
-    else edges.push_back(Edge{bx, by, ax, ay, -1});
+    if (ay < by)
+      edges.push_back(Edge{ax, ay, bx, by, 1});
+    else
+      edges.push_back(Edge{bx, by, ax, ay, -1});
     top = std::min({top, ay, by});
     bottom = std::max({bottom, ay, by});
   }

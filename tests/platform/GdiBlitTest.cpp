@@ -24,10 +24,12 @@ TEST(GdiBlit, RopsBetweenDcs) {
   };
   const uint32_t s = 0x00F0F00F, d = 0x00CC33AA;
   const Case cases[] = {
-      {SRCCOPY, s},          {SRCPAINT, s | d},   {SRCAND, s & d},
-      {SRCINVERT, s ^ d},    {NOTSRCCOPY, ~s},    {DSTINVERT, ~d},
-      {BLACKNESS, 0},        {WHITENESS, 0xFFFFFFFF}, {PATCOPY, 0x00FF0000},
-      {PATINVERT, 0x00FF0000 ^ d}, {SRCERASE, s & ~d}, {MERGEPAINT, ~s | d},
+      {SRCCOPY, s},          {SRCPAINT, s | d},
+      {SRCAND, s & d},       {SRCINVERT, s ^ d},
+      {NOTSRCCOPY, ~s},      {DSTINVERT, ~d},
+      {BLACKNESS, 0},        {WHITENESS, 0xFFFFFFFF},
+      {PATCOPY, 0x00FF0000}, {PATINVERT, 0x00FF0000 ^ d},
+      {SRCERASE, s & ~d},    {MERGEPAINT, ~s | d},
   };
   for (const Case& k : cases) {
     Canvas src(2, 2, s), dst(2, 2, d);
@@ -150,8 +152,8 @@ TEST(GdiBlit, StretchDibitsReadsBottomUpRowsAndColourTables) {
   info.h.biHeight = 2;  // bottom-up
   info.h.biPlanes = 1;
   info.h.biBitCount = 1;
-  info.colors[0] = RGBQUAD{0, 0, 255, 0};    // red
-  info.colors[1] = RGBQUAD{255, 0, 0, 0};    // blue
+  info.colors[0] = RGBQUAD{0, 0, 255, 0};                 // red
+  info.colors[1] = RGBQUAD{255, 0, 0, 0};                 // blue
   const uint8_t bits[] = {0x40, 0, 0, 0, 0x80, 0, 0, 0};  // bottom row: 0 1; top row: 1 0
   const int lines = StretchDIBits(dst.dc(), 0, 0, 2, 2, 0, 0, 2, 2, bits,
                                   reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
@@ -226,7 +228,9 @@ TEST(GdiBlit, BlendKernelsMatchThePlatformArithmetic) {
       uint32_t expected = 0;
       for (int shift = 0; shift < 32; shift += 8) {
         expected |= ((((src[i] >> shift) & 0xFF) * constant +
-                      ((dst[i] >> shift) & 0xFF) * (255 - constant) + 127) / 255) << shift;
+                      ((dst[i] >> shift) & 0xFF) * (255 - constant) + 127) /
+                     255)
+                    << shift;
       }
       ASSERT_EQ(out[i], expected) << i << " " << constant;
     }

@@ -340,9 +340,7 @@ TEST(GdiDraw, FrameControlCheckBoxAndPushButton) {
   Canvas c(13, 13, 0);
   RECT r{0, 0, 13, 13};
   EXPECT_TRUE(DrawFrameControl(c.dc(), &r, DFC_BUTTON, DFCS_BUTTONCHECK | DFCS_CHECKED));
-  auto px = [](int index) {
-    return vantor::platform::ColorToPixel(GetSysColor(index));
-  };
+  auto px = [](int index) { return vantor::platform::ColorToPixel(GetSysColor(index)); };
   EXPECT_EQ(c.At(0, 0), px(16));    // shadow, top-left outer
   EXPECT_EQ(c.At(12, 0), px(20));   // highlight, top-right corner
   EXPECT_EQ(c.At(1, 1), px(21));    // dark shadow inner
@@ -351,9 +349,9 @@ TEST(GdiDraw, FrameControlCheckBoxAndPushButton) {
   EXPECT_EQ(c.At(3, 5), px(5));     // the tick's first column: rows 6 to 8
   EXPECT_EQ(c.At(3, 6), px(8));
   EXPECT_EQ(c.At(3, 8), px(8));
-  EXPECT_EQ(c.At(4, 6), px(5));     // the second: rows 7 to 9
+  EXPECT_EQ(c.At(4, 6), px(5));  // the second: rows 7 to 9
   EXPECT_EQ(c.At(4, 9), px(8));
-  EXPECT_EQ(c.At(9, 3), px(8));     // its last column
+  EXPECT_EQ(c.At(9, 3), px(8));  // its last column
   EXPECT_TRUE(DrawFrameControl(c.dc(), &r, DFC_BUTTON, DFCS_BUTTONPUSH | DFCS_ADJUSTRECT));
   EXPECT_EQ(c.At(0, 0), px(20));
   EXPECT_EQ(c.At(12, 0), px(21));
@@ -389,7 +387,8 @@ TEST(GdiDraw, SurfaceDcDrawsAtItsOriginInsideItsVisiblePart) {
   FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   std::string art;
   for (int y = 0; y < 6; ++y) {
-    for (int x = 0; x < 10; ++x) art += pixels[static_cast<size_t>(y * 10 + x)] == kWhite ? '.' : '#';
+    for (int x = 0; x < 10; ++x)
+      art += pixels[static_cast<size_t>(y * 10 + x)] == kWhite ? '.' : '#';
     art += '\n';
   }
   EXPECT_EQ(art,

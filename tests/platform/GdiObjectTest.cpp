@@ -120,7 +120,8 @@ TEST(GdiObject, ABitmapLivesInOneDcAtATime) {
 TEST(GdiObject, DibSectionsBothWaysUp) {
   for (LONG height : {LONG{3}, LONG{-3}}) {
     BITMAPINFO info{};
-    info.bmiHeader = BITMAPINFOHEADER{sizeof(BITMAPINFOHEADER), 2, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    info.bmiHeader =
+        BITMAPINFOHEADER{sizeof(BITMAPINFOHEADER), 2, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* bits = nullptr;
     HBITMAP bmp = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     ASSERT_NE(bmp, nullptr);
