@@ -358,6 +358,8 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
         c = Window::Get(ph);
       }
     }
+    // The procedures asked above may have destroyed the target.
+    if (!Alive(target)) return false;
     WPARAM wparam = client ? MouseKeys() : static_cast<WPARAM>(hit);
     if (e.kind == InputEvent::kButton && e.button >= 3) {
       wparam = MAKEWPARAM(static_cast<WORD>(wparam), e.button == 3 ? XBUTTON1 : XBUTTON2);

@@ -488,6 +488,14 @@ BOOL DestroyWindow(HWND hwnd) {
   if (state.capture != nullptr && (state.capture == hwnd || IsChild(hwnd, state.capture))) {
     ReleaseCapture();
   }
+  // The focus inside a window that goes moves to its parent (none for a
+  // top-level window), as when the window is hidden.
+  if (state.focus != nullptr && (state.focus == hwnd || IsChild(hwnd, state.focus))) {
+    SetFocus(w->IsChild() && w->parent != nullptr && w->parent->parent != nullptr
+                 ? w->parent->handle
+                 : nullptr);
+    if (!Alive(w)) return TRUE;
+  }
   if (state.active == hwnd) vantor::platform::ActivateNext(hwnd);
   if (state.focus != nullptr && (state.focus == hwnd || IsChild(hwnd, state.focus))) {
     state.focus = nullptr;

@@ -324,9 +324,18 @@ TEST_F(UserInputTest, FocusMovesWithKillThenSetFocus) {
   EXPECT_EQ(down[0].lparam, 0x001E0001);  // one press, scan code 0x1E
   auto up = L().Of(WM_KEYUP, b);
   EXPECT_EQ(static_cast<uint32_t>(up[0].lparam), 0xC01E0001u);
-  // Destroying the focus leaves none.
+  // Destroying the focus gives it to the parent; a top-level window's to
+  // the window activated next.
+  Clear();
   DestroyWindow(b);
-  EXPECT_EQ(GetFocus(), nullptr);
+  EXPECT_EQ(GetFocus(), w);
+  EXPECT_EQ(L().Of(WM_SETFOCUS, w).size(), 1u);
+  HWND other = Top(300, 0, 10, 10);
+  SetActiveWindow(w);
+  EXPECT_EQ(GetFocus(), w);
+  DestroyWindow(w);
+  EXPECT_EQ(GetActiveWindow(), other);
+  EXPECT_EQ(GetFocus(), other);
   EXPECT_EQ(SetFocus(reinterpret_cast<HWND>(intptr_t{4242})), nullptr);
 }
 
