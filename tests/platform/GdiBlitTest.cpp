@@ -343,3 +343,33 @@ TEST(GdiBlit, ScrollingUnderAComplexClipReadsTheOldPixels) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(GdiBlit, HalftoneMirroredReadsTheSourceBackwards) {
+  Canvas src(2, 1, 0), dst(5, 1, 0);
+  src.At(1, 0) = 0x00FF6401;
+  SetStretchBltMode(dst.dc(), HALFTONE);
+  // Starting at pixel 4 and running left, over the source read right to left.
+  StretchBlt(dst.dc(), 4, 0, -5, 1, src.dc(), 0, 0, 2, 1, SRCCOPY);
+  EXPECT_EQ(dst.At(0, 0), 0x00FF6401u);
+  EXPECT_EQ(dst.At(1, 0), 0x00993C01u);  // 255 - 102, 100 - 40, 1 - 0.4 -> 1
+  EXPECT_EQ(dst.At(4, 0), 0x00000000u);
+}
+
+TEST(GdiBlit, TransparentBltShrinksWithTheDcStretchMode) {
+  // Two rows into one: BLACKONWHITE (the default) merges them with AND, so
+  // red over black gives black, and the key is compared after merging.
+  Canvas src(2, 2, 0x00FF00FF), dst(2, 1, 0x00123456);
+  src.At(0, 0) = 0x00C80000;
+  src.At(0, 1) = 0x00000000;
+  EXPECT_TRUE(TransparentBlt(dst.dc(), 0, 0, 2, 1, src.dc(), 0, 0, 2, 2, RGB(255, 0, 255)));
+  EXPECT_EQ(dst.At(0, 0), 0u);
+  EXPECT_EQ(dst.At(1, 0), 0x00123456u);
+  SetStretchBltMode(dst.dc(), COLORONCOLOR);
+  dst.Fill(0x00123456);
+  TransparentBlt(dst.dc(), 0, 0, 2, 1, src.dc(), 0, 0, 2, 2, RGB(255, 0, 255));
+  EXPECT_EQ(dst.At(0, 0), 0x00C80000u);  // rows shrink from the bottom: row 0 kept
+}
+
+}  // namespace
