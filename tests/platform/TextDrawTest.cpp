@@ -232,6 +232,82 @@ TEST(TextDrawTest, WordBreakMatchesTheMeasuredRectangle) {
   EXPECT_GT(ink.bottom, calc.bottom - 12);
 }
 
+// Measurements the platform gave for the same texts, flags and rectangles
+// (Tahoma 8 through the Liberation substitute): return value and the
+// DT_CALCRECT rectangle.
+TEST(TextDrawTest, MeasuresAsThePlatform) {
+  struct Case {
+    const char16_t* text;
+    RECT rect;
+    UINT format;
+    int height;
+    RECT calc;
+  } cases[] = {
+      {u"Esquerda", {4, 4, 156, 18}, DT_SINGLELINE, 12, {4, 4, 51, 16}},
+      {u"Meio", {4, 58, 76, 90}, DT_VCENTER | DT_SINGLELINE, 22, {4, 58, 27, 80}},
+      {u"Baixo", {84, 58, 156, 90}, DT_BOTTOM | DT_RIGHT | DT_SINGLELINE, 32, {84, 58, 111, 90}},
+      {u"Sem efeito", {4, 94, 156, 116}, DT_VCENTER, 12, {4, 94, 55, 106}},
+      {u"O valor informado não é uma data válida para o campo",
+       {4, 4, 76, 80},
+       DT_WORDBREAK,
+       60,
+       {4, 4, 76, 64}},
+      {u"Texto centrado em várias linhas",
+       {84, 4, 156, 60},
+       DT_WORDBREAK | DT_CENTER,
+       36,
+       {84, 4, 145, 40}},
+      {u"Paralelepipedalmente grande", {84, 64, 130, 100}, DT_WORDBREAK, 24, {84, 64, 187, 88}},
+      {u"Linha 1\r\nLinha 2\nLinha 3", {4, 84, 76, 124}, 0, 36, {4, 84, 39, 120}},
+      {u"Um\r\nDois", {84, 104, 156, 118}, DT_SINGLELINE, 12, {84, 104, 131, 116}},
+      {u"Um texto que quebra em linhas", {4, 4, 60, 4}, DT_WORDBREAK, 48, {4, 4, 59, 52}},
+      {u"&Salvar && sair", {4, 4, 200, 4}, DT_SINGLELINE, 12, {4, 4, 66, 16}},
+      {u"a\tb\tc", {4, 4, 200, 4}, DT_EXPANDTABS, 12, {4, 4, 106, 16}},
+      {u"Descrição muito comprida do produto",
+       {4, 4, 90, 18},
+       DT_END_ELLIPSIS | DT_SINGLELINE,
+       12,
+       {4, 4, 86, 16}},
+      {u"Palavras demais para caber aqui",
+       {4, 22, 90, 36},
+       DT_WORD_ELLIPSIS | DT_SINGLELINE,
+       12,
+       {4, 22, 88, 34}},
+      {u"Extraordinariamente longo",
+       {94, 22, 140, 60},
+       DT_WORDBREAK | DT_WORD_ELLIPSIS,
+       24,
+       {94, 22, 139, 46}},
+      {u"Várias linhas de texto que não cabem na caixa",
+       {4, 40, 90, 66},
+       DT_WORDBREAK | DT_END_ELLIPSIS,
+       36,
+       {4, 40, 84, 76}},
+      {u"C:\\Arquivos\\Sistema\\Relatorios\\mensal.txt",
+       {4, 70, 120, 84},
+       DT_PATH_ELLIPSIS | DT_SINGLELINE,
+       12,
+       {4, 70, 117, 82}},
+      {u"Fim&", {84, 22, 156, 36}, DT_SINGLELINE, 12, {84, 22, 109, 34}},
+      {u"Nome:\tJoão\tFim", {4, 76, 156, 90}, DT_EXPANDTABS | DT_SINGLELINE, 12, {4, 76, 118, 88}},
+      {u"Nome:\tJoão", {4, 94, 156, 108}, DT_SINGLELINE, 12, {4, 94, 64, 106}},
+  };
+  TextCanvas c;
+  for (const Case& t : cases) {
+    SCOPED_TRACE(std::string(t.text, t.text + std::u16string(t.text).size()));
+    RECT calc = t.rect;
+    EXPECT_EQ(DrawTextW(c.dc(), t.text, -1, &calc, t.format | DT_CALCRECT), t.height);
+    EXPECT_EQ(calc.left, t.calc.left);
+    EXPECT_EQ(calc.top, t.calc.top);
+    EXPECT_EQ(calc.right, t.calc.right);
+    EXPECT_EQ(calc.bottom, t.calc.bottom);
+    // Drawn into a rectangle without height, only the first line counts.
+    RECT box = t.rect;
+    EXPECT_EQ(DrawTextW(c.dc(), t.text, -1, &box, t.format),
+              t.rect.bottom == t.rect.top ? 12 : t.height);
+  }
+}
+
 TEST(TextDrawTest, ModifyStringWritesTheEllipsis) {
   TextCanvas c;
   std::u16string buffer = u"Descrição muito comprida do produto";
