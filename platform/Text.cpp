@@ -62,10 +62,63 @@ void Fill(DeviceContext& dc, Box box, const Box* clip, COLORREF color) {
   vantor::platform::FillSolidRect(dc, r, color);
 }
 
+// Grey glyph edges blend as the platform's do: the coverage, in 17 levels,
+// goes through a fixed ramp that favours the lighter side, and each channel
+// moves from its background toward the text colour only within the range
+// the ramp gives that level. Plain (two-level) glyphs need none of this.
+constexpr uint8_t kRamp[17] = {0,   77,  104, 124, 140, 154, 167, 178, 189,
+                               199, 208, 217, 225, 233, 240, 248, 255};
+
+uint32_t GreyChannel(uint32_t back, uint32_t text, int level) {
+  if (back == text) return back;
+  if (back > text) {
+    const uint32_t top = kRamp[16 - level] + (255 - kRamp[16 - level]) * text / 255;
+    return text + (back - text) * (top - text) / (255 - text);
+  }
+  const uint32_t bottom = kRamp[level] * text / 255;
+  return text - (text - back) * (text - bottom) / text;
+}
+
+// Blends a coverage mask whose top-left is logical (x, y) through the DC's
+// clip with the grey ramp.
+void BlendGrey(DeviceContext& dc, long long x, long long y, const uint8_t* mask, int width,
+               int height, int pitch, COLORREF color) {
+  const vantor::platform::Surface& surface = dc.Target();
+  if (surface.Empty()) return;
+  const long long sx = dc.SurfaceX(0) + x;
+  const long long sy = dc.SurfaceY(0) + y;
+  const Box area{sx, sy, sx + width, sy + height};
+  const uint32_t tr = color & 0xFF, tg = (color >> 8) & 0xFF, tb = (color >> 16) & 0xFF;
+  for (const RECT& r : dc.Clip().Rects()) {
+    const Box part = area.Intersect(BoxOf(r));
+    for (long long py = part.top; py < part.bottom; ++py) {
+      const uint8_t* levels = mask + (py - sy) * pitch;
+      uint32_t* row = surface.Row(static_cast<int>(py));
+      for (long long px = part.left; px < part.right; ++px) {
+        const int level = (levels[px - sx] * 16 + 127) / 255;
+        if (level == 0) continue;
+        const uint32_t d = row[px];
+        row[px] = (GreyChannel((d >> 16) & 0xFF, tr, level) << 16) |
+                  (GreyChannel((d >> 8) & 0xFF, tg, level) << 8) | GreyChannel(d & 0xFF, tb, level);
+      }
+    }
+  }
+}
+
+void Composite(DeviceContext& dc, long long x, long long y, const uint8_t* mask, int width,
+               int height, int pitch, COLORREF color, bool grey) {
+  if (grey) {
+    BlendGrey(dc, x, y, mask, width, height, pitch, color);
+  } else {
+    vantor::platform::BlendMask(dc, static_cast<int>(x), static_cast<int>(y), mask, width, height,
+                                pitch, color);
+  }
+}
+
 // A glyph's coverage at logical (x, y), cut to the clip rectangle first; the
-// DC's own clip is applied by BlendMask.
+// DC's own clip is applied by the compositing.
 void Blend(DeviceContext& dc, const Glyph& glyph, long long x, long long y, const Box* clip,
-           COLORREF color) {
+           COLORREF color, bool grey) {
   if (glyph.width <= 0 || glyph.height <= 0) return;
   Box box{x, y, x + glyph.width, y + glyph.height};
   if (clip != nullptr) box = box.Intersect(*clip);
@@ -74,9 +127,8 @@ void Blend(DeviceContext& dc, const Glyph& glyph, long long x, long long y, cons
   const auto skip_x = static_cast<size_t>(box.left - x);
   const auto skip_y = static_cast<size_t>(box.top - y);
   const uint8_t* start = glyph.coverage.data() + skip_y * static_cast<size_t>(glyph.width) + skip_x;
-  vantor::platform::BlendMask(dc, static_cast<int>(box.left), static_cast<int>(box.top), start,
-                              static_cast<int>(box.right - box.left),
-                              static_cast<int>(box.bottom - box.top), glyph.width, color);
+  Composite(dc, box.left, box.top, start, static_cast<int>(box.right - box.left),
+            static_cast<int>(box.bottom - box.top), glyph.width, color, grey);
 }
 
 struct Placed {
@@ -87,8 +139,8 @@ struct Placed {
 // The glyphs of a run are merged into one mask and blended at once: the
 // DC's clip is then walked once a run instead of once a glyph. Runs too
 // large for a scratch mask go glyph by glyph.
-void BlendRun(DeviceContext& dc, const std::vector<Placed>& placed, const Box* clip,
-              COLORREF color) {
+void BlendRun(DeviceContext& dc, const std::vector<Placed>& placed, const Box* clip, COLORREF color,
+              bool grey) {
   if (placed.empty()) return;
   Box box{kFar, kFar, -kFar, -kFar};
   for (const Placed& p : placed) {
@@ -104,7 +156,7 @@ void BlendRun(DeviceContext& dc, const std::vector<Placed>& placed, const Box* c
   const long long height = box.bottom - box.top;
   constexpr long long kMaxMask = 1 << 22;
   if (width * height > kMaxMask) {
-    for (const Placed& p : placed) Blend(dc, *p.glyph, p.x, p.y, clip, color);
+    for (const Placed& p : placed) Blend(dc, *p.glyph, p.x, p.y, clip, color, grey);
     return;
   }
   static std::vector<uint8_t> mask;
@@ -118,9 +170,8 @@ void BlendRun(DeviceContext& dc, const std::vector<Placed>& placed, const Box* c
       for (long long i = 0; i < part.right - part.left; ++i) to[i] = std::max(to[i], from[i]);
     }
   }
-  vantor::platform::BlendMask(dc, static_cast<int>(box.left), static_cast<int>(box.top),
-                              mask.data(), static_cast<int>(width), static_cast<int>(height),
-                              static_cast<int>(width), color);
+  Composite(dc, box.left, box.top, mask.data(), static_cast<int>(width), static_cast<int>(height),
+            static_cast<int>(width), color, grey);
 }
 
 struct Paint {
@@ -203,7 +254,7 @@ void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringVie
         placed.push_back({&glyph, x + placed_at[i] + glyph.left, baseline - glyph.top});
       }
     }
-    BlendRun(dc, placed, clip, color);
+    BlendRun(dc, placed, clip, color, glyphs->Grey());
   }
   if (paint.draw_glyphs && tm.tmUnderlined != 0) {
     const long long top = baseline + face.underline_offset;

@@ -3,6 +3,7 @@
 // input. Tahoma 8 (lfHeight -11) throughout: tmHeight 12, ascent 10.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <string>
@@ -90,6 +91,37 @@ TEST(TextDrawTest, GlyphsLandInsideTheTextsCell) {
   // Aliased at this size: the text colour itself, and nothing between.
   EXPECT_GT(c.Count(0x000000), 40);
   EXPECT_EQ(c.Count(0x000000) + c.Count(kWhite), 200 * 60);
+}
+
+TEST(TextDrawTest, GreyEdgesFollowThePlatformsRamp) {
+  // Arial 10 bold is drawn with grey edges (the font's gasp table asks for
+  // them at 13 pixels); black on white and white on black both land on the
+  // ramp's steps only.
+  const std::vector<uint32_t> ramp = {0,   77,  104, 124, 140, 154, 167, 178, 189,
+                                      199, 208, 217, 225, 233, 240, 248, 255};
+  for (const bool inverse : {false, true}) {
+    Canvas c(120, 20, inverse ? 0x000000 : 0xFFFFFF);
+    HFONT font = CreateFontW(-13, 0, 0, 0, FW_BOLD, 0, 0, 0, 0, 0, 0, 0, 0, u"Arial");
+    HGDIOBJ old = SelectObject(c.dc(), font);
+    SetBkMode(c.dc(), TRANSPARENT);
+    SetTextColor(c.dc(), inverse ? RGB(255, 255, 255) : RGB(0, 0, 0));
+    TextOutW(c.dc(), 2, 2, u"Ação Rápida", 11);
+    SelectObject(c.dc(), old);
+    DeleteObject(font);
+    std::vector<bool> seen(256, false);
+    for (int y = 0; y < 20; ++y) {
+      for (int x = 0; x < 120; ++x) {
+        const uint32_t p = c.At(x, y) & 0xFFFFFF;
+        const uint32_t b = p & 0xFF;
+        ASSERT_EQ(p, b * 0x010101u) << x << "," << y;
+        ASSERT_NE(std::find(ramp.begin(), ramp.end(), b), ramp.end()) << b;
+        seen[b] = true;
+      }
+    }
+    int steps = 0;
+    for (uint32_t v = 1; v < 255; ++v) steps += seen[v] ? 1 : 0;
+    EXPECT_GE(steps, 8) << inverse;
+  }
 }
 
 TEST(TextDrawTest, TextColourIsUsed) {
