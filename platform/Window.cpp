@@ -145,8 +145,8 @@ void Window::SyncSurface() {
   // What was painted stays where it was; the newly uncovered part is invalid.
   const int keep_w = std::min(width, surface.width);
   const int keep_h = std::min(height, surface.height);
-  for (int y = 0; y < keep_h; ++y) {
-    std::memcpy(&next[static_cast<size_t>(y) * static_cast<size_t>(width)], surface.Row(y),
+  for (int y = 0; keep_w > 0 && y < keep_h; ++y) {
+    std::memcpy(next.data() + static_cast<size_t>(y) * static_cast<size_t>(width), surface.Row(y),
                 static_cast<size_t>(keep_w) * sizeof(uint32_t));
   }
   pixels = std::move(next);
