@@ -111,8 +111,9 @@ int main(int argc, char** argv) {
   });
 
   std::printf("%ld messages through a two-deep subclass chain\n", g_messages);
-  std::printf("  SendMessageW + CallWindowProcW  %8.1f ms  (%.1f ns/message; goal < 200 ms per million)\n",
-              ours, ours * 1e6 / static_cast<double>(g_messages));
+  std::printf(
+      "  SendMessageW + CallWindowProcW  %8.1f ms  (%.1f ns/message; goal < 200 ms per million)\n",
+      ours, ours * 1e6 / static_cast<double>(g_messages));
   std::printf("  std::function chain             %8.1f ms  ratio %.1f\n", functions,
               ours / functions);
   std::printf("  virtual call chain              %8.1f ms  ratio %.1f\n", virtuals,

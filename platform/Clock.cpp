@@ -53,6 +53,8 @@ void Clock::SetManual(bool manual) {
   }
 }
 
-bool Clock::Manual() { return State().manual; }
+bool Clock::Manual() {
+  return State().manual;
+}
 
 }  // namespace vantor::platform

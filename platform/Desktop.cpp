@@ -25,7 +25,9 @@ std::vector<TopLevelWindow> TopLevelWindows() {
   return out;
 }
 
-SIZE ScreenSize() { return UserState::Get().screen; }
+SIZE ScreenSize() {
+  return UserState::Get().screen;
+}
 
 void SetScreenSize(int width, int height) {
   UserState& s = UserState::Get();
@@ -36,14 +38,18 @@ void SetScreenSize(int width, int height) {
   Touch();
 }
 
-RECT WorkArea() { return UserState::Get().work_area; }
+RECT WorkArea() {
+  return UserState::Get().work_area;
+}
 
 void SetWorkArea(const RECT& area) {
   UserState::Get().work_area = area;
   Touch();
 }
 
-uint64_t DesktopGeneration() { return UserState::Get().generation; }
+uint64_t DesktopGeneration() {
+  return UserState::Get().generation;
+}
 
 WORD CurrentCursorId() {
   const auto value = reinterpret_cast<uintptr_t>(UserState::Get().cursor_shape);

@@ -18,7 +18,7 @@ struct TopLevelWindow {
   bool layered = false;              // WS_EX_LAYERED with attributes set
   COLORREF color_key = 0;
   BYTE alpha = 255;
-  DWORD layered_flags = 0;           // LWA_COLORKEY | LWA_ALPHA
+  DWORD layered_flags = 0;  // LWA_COLORKEY | LWA_ALPHA
   bool topmost = false;
 };
 

@@ -168,9 +168,15 @@ constexpr WPARAM MK_XBUTTON2 = 0x0040;
 constexpr WORD XBUTTON1 = 0x0001;
 constexpr WORD XBUTTON2 = 0x0002;
 constexpr int WHEEL_DELTA = 120;
-constexpr WORD GET_KEYSTATE_WPARAM(WPARAM w) { return LOWORD(w); }
-constexpr SHORT GET_WHEEL_DELTA_WPARAM(WPARAM w) { return static_cast<SHORT>(HIWORD(w)); }
-constexpr WORD GET_XBUTTON_WPARAM(WPARAM w) { return HIWORD(w); }
+constexpr WORD GET_KEYSTATE_WPARAM(WPARAM w) {
+  return LOWORD(w);
+}
+constexpr SHORT GET_WHEEL_DELTA_WPARAM(WPARAM w) {
+  return static_cast<SHORT>(HIWORD(w));
+}
+constexpr WORD GET_XBUTTON_WPARAM(WPARAM w) {
+  return HIWORD(w);
+}
 
 // ---------------------------------------------------------------- keys
 constexpr int VK_LBUTTON = 0x01;
@@ -448,10 +454,18 @@ constexpr DWORD LWA_COLORKEY = 0x00000001;
 constexpr DWORD LWA_ALPHA = 0x00000002;
 
 // Cursors, as resource ids (MAKEINTRESOURCE).
-inline LPWSTR MAKEINTRESOURCEW(WORD id) { return reinterpret_cast<LPWSTR>(uintptr_t{id}); }
-inline LPSTR MAKEINTRESOURCEA(WORD id) { return reinterpret_cast<LPSTR>(uintptr_t{id}); }
-inline LPCWSTR MAKEINTATOM(ATOM atom) { return MAKEINTRESOURCEW(atom); }
-constexpr bool IS_INTRESOURCE(const void* p) { return (reinterpret_cast<uintptr_t>(p) >> 16) == 0; }
+inline LPWSTR MAKEINTRESOURCEW(WORD id) {
+  return reinterpret_cast<LPWSTR>(uintptr_t{id});
+}
+inline LPSTR MAKEINTRESOURCEA(WORD id) {
+  return reinterpret_cast<LPSTR>(uintptr_t{id});
+}
+inline LPCWSTR MAKEINTATOM(ATOM atom) {
+  return MAKEINTRESOURCEW(atom);
+}
+constexpr bool IS_INTRESOURCE(const void* p) {
+  return (reinterpret_cast<uintptr_t>(p) >> 16) == 0;
+}
 inline LPCWSTR const IDC_ARROW = MAKEINTRESOURCEW(32512);
 inline LPCWSTR const IDC_IBEAM = MAKEINTRESOURCEW(32513);
 inline LPCWSTR const IDC_WAIT = MAKEINTRESOURCEW(32514);

@@ -225,5 +225,5 @@ BOOL IsClipboardFormatAvailable(UINT format) {
   const bool text = c.data.count(CF_TEXT) != 0 || c.data.count(CF_UNICODETEXT) != 0 ||
                     c.data.count(CF_OEMTEXT) != 0;
   return text && (format == CF_TEXT || format == CF_UNICODETEXT || format == CF_OEMTEXT) ? TRUE
-                                                                                        : FALSE;
+                                                                                         : FALSE;
 }

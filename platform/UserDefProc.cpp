@@ -63,14 +63,19 @@ LRESULT HitTest(Window& w, LPARAM lparam) {
 LPCWSTR CursorFor(LRESULT hit) {
   switch (hit) {
     case HTLEFT:
-    case HTRIGHT: return IDC_SIZEWE;
+    case HTRIGHT:
+      return IDC_SIZEWE;
     case HTTOP:
-    case HTBOTTOM: return IDC_SIZENS;
+    case HTBOTTOM:
+      return IDC_SIZENS;
     case HTTOPLEFT:
-    case HTBOTTOMRIGHT: return IDC_SIZENWSE;
+    case HTBOTTOMRIGHT:
+      return IDC_SIZENWSE;
     case HTTOPRIGHT:
-    case HTBOTTOMLEFT: return IDC_SIZENESW;
-    default: return IDC_ARROW;
+    case HTBOTTOMLEFT:
+      return IDC_SIZENESW;
+    default:
+      return IDC_ARROW;
   }
 }
 
@@ -129,7 +134,9 @@ void Edge(HDC dc, RECT r, int light, int dark) {
   Fill(dc, r.left, r.bottom - 1, r.right - 1, r.bottom, dark);
 }
 
-RECT Inset(RECT r, int by) { return RECT{r.left + by, r.top + by, r.right - by, r.bottom - by}; }
+RECT Inset(RECT r, int by) {
+  return RECT{r.left + by, r.top + by, r.right - by, r.bottom - by};
+}
 
 // The classic frame: raised dialog or sizing border, or a plain line; the
 // caption bar with its title; client and static edges; the scroll-bar
@@ -182,7 +189,8 @@ void PaintFrame(Window& w) {
   const RECT c = w.ScreenClient();
   const RECT client{c.left - origin.x, c.top - origin.y, c.right - origin.x, c.bottom - origin.y};
   if (client.right < r.right) Fill(dc, client.right, r.top, r.right, r.bottom, COLOR_BTNFACE);
-  if (client.bottom < r.bottom) Fill(dc, r.left, client.bottom, client.right, r.bottom, COLOR_BTNFACE);
+  if (client.bottom < r.bottom)
+    Fill(dc, r.left, client.bottom, client.right, r.bottom, COLOR_BTNFACE);
   ReleaseDC(w.handle, dc);
 }
 
@@ -234,8 +242,10 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       }
       return 0;
     }
-    case WM_NCHITTEST: return HitTest(w, lparam);
-    case WM_SETCURSOR: return SetCursorDefault(w, wparam, lparam, unicode);
+    case WM_NCHITTEST:
+      return HitTest(w, lparam);
+    case WM_SETCURSOR:
+      return SetCursorDefault(w, wparam, lparam, unicode);
     case WM_MOUSEACTIVATE:
       if (w.IsChild() && w.parent != nullptr && w.parent->parent != nullptr) {
         const LRESULT r = SendMessageW(w.parent->handle, WM_MOUSEACTIVATE, wparam, lparam);
@@ -280,17 +290,20 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
     }
     case WM_GETTEXTLENGTH:
       return static_cast<LRESULT>(unicode ? w.text.size() : vantor::ToAnsi(w.text).size());
-    case WM_CLOSE: DestroyWindow(hwnd); return 0;
+    case WM_CLOSE:
+      DestroyWindow(hwnd);
+      return 0;
     case WM_PAINT: {
       PAINTSTRUCT ps{};
       if (BeginPaint(hwnd, &ps) != nullptr) EndPaint(hwnd, &ps);
       return 0;
     }
-    case WM_ERASEBKGND: return EraseBackground(w, reinterpret_cast<HDC>(wparam));
+    case WM_ERASEBKGND:
+      return EraseBackground(w, reinterpret_cast<HDC>(wparam));
     case WM_WINDOWPOSCHANGING: {
       auto* wp = reinterpret_cast<WINDOWPOS*>(lparam);
-      if (wp != nullptr && (wp->flags & SWP_NOSIZE) == 0 && vantor::platform::NeedsMinMax(w.style) &&
-          (wp->cx != w.Width() || wp->cy != w.Height())) {
+      if (wp != nullptr && (wp->flags & SWP_NOSIZE) == 0 &&
+          vantor::platform::NeedsMinMax(w.style) && (wp->cx != w.Width() || wp->cy != w.Height())) {
         vantor::platform::ClampToTrackSize(w, &wp->cx, &wp->cy);
       }
       return 0;
@@ -321,7 +334,9 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
         if ((w.style & WS_CAPTION) == WS_CAPTION) PaintFrame(w);
       }
       return TRUE;
-    case WM_NCPAINT: PaintFrame(w); return 0;
+    case WM_NCPAINT:
+      PaintFrame(w);
+      return 0;
     case WM_CTLCOLOREDIT:
     case WM_CTLCOLORLISTBOX:
     case 0x0132:  // WM_CTLCOLORMSGBOX
@@ -349,11 +364,20 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
       return 0;
     case WM_SYSCOMMAND:
       switch (wparam & 0xFFF0) {
-        case SC_CLOSE: SendMessageW(hwnd, WM_CLOSE, 0, 0); break;
-        case SC_MINIMIZE: ShowWindow(hwnd, SW_MINIMIZE); break;
-        case SC_MAXIMIZE: ShowWindow(hwnd, SW_MAXIMIZE); break;
-        case SC_RESTORE: ShowWindow(hwnd, SW_RESTORE); break;
-        default: break;
+        case SC_CLOSE:
+          SendMessageW(hwnd, WM_CLOSE, 0, 0);
+          break;
+        case SC_MINIMIZE:
+          ShowWindow(hwnd, SW_MINIMIZE);
+          break;
+        case SC_MAXIMIZE:
+          ShowWindow(hwnd, SW_MAXIMIZE);
+          break;
+        case SC_RESTORE:
+          ShowWindow(hwnd, SW_RESTORE);
+          break;
+        default:
+          break;
       }
       return 0;
     case WM_SYSKEYDOWN:
@@ -365,7 +389,8 @@ LRESULT DefProc(Window& w, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode)
     case WM_NCLBUTTONDOWN:
       StartSizeMove(w, static_cast<LRESULT>(wparam));
       return 0;
-    default: return 0;
+    default:
+      return 0;
   }
 }
 

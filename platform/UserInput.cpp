@@ -17,10 +17,13 @@ namespace {
 constexpr UINT kDoubleClickTime = 500;
 constexpr DWORD kErrorResourceNameNotFound = 1814;
 
-bool Alive(HWND hwnd) { return Window::Get(hwnd) != nullptr; }
+bool Alive(HWND hwnd) {
+  return Window::Get(hwnd) != nullptr;
+}
 
 LPARAM PackPoint(LONG x, LONG y) {
-  return MAKELPARAM(static_cast<WORD>(static_cast<SHORT>(x)), static_cast<WORD>(static_cast<SHORT>(y)));
+  return MAKELPARAM(static_cast<WORD>(static_cast<SHORT>(x)),
+                    static_cast<WORD>(static_cast<SHORT>(y)));
 }
 
 WPARAM MouseKeys() {
@@ -81,47 +84,99 @@ int ScanCode(int vk, bool* extended) {
   if (vk == '0') return 0x0B;
   if (vk >= VK_F1 && vk <= VK_F10) return 0x3B + (vk - VK_F1);
   switch (vk) {
-    case VK_ESCAPE: return 0x01;
-    case VK_BACK: return 0x0E;
-    case VK_TAB: return 0x0F;
-    case VK_RETURN: return 0x1C;
+    case VK_ESCAPE:
+      return 0x01;
+    case VK_BACK:
+      return 0x0E;
+    case VK_TAB:
+      return 0x0F;
+    case VK_RETURN:
+      return 0x1C;
     case VK_CONTROL:
-    case VK_LCONTROL: return 0x1D;
-    case VK_RCONTROL: *extended = true; return 0x1D;
+    case VK_LCONTROL:
+      return 0x1D;
+    case VK_RCONTROL:
+      *extended = true;
+      return 0x1D;
     case VK_SHIFT:
-    case VK_LSHIFT: return 0x2A;
-    case VK_RSHIFT: return 0x36;
+    case VK_LSHIFT:
+      return 0x2A;
+    case VK_RSHIFT:
+      return 0x36;
     case VK_MENU:
-    case VK_LMENU: return 0x38;
-    case VK_RMENU: *extended = true; return 0x38;
-    case VK_SPACE: return 0x39;
-    case VK_CAPITAL: return 0x3A;
-    case VK_F11: return 0x57;
-    case VK_F12: return 0x58;
-    case VK_OEM_MINUS: return 0x0C;
-    case VK_OEM_PLUS: return 0x0D;
-    case VK_OEM_4: return 0x1A;
-    case VK_OEM_6: return 0x1B;
-    case VK_OEM_1: return 0x27;
-    case VK_OEM_7: return 0x28;
-    case VK_OEM_3: return 0x29;
-    case VK_OEM_5: return 0x2B;
-    case VK_OEM_COMMA: return 0x33;
-    case VK_OEM_PERIOD: return 0x34;
-    case VK_OEM_2: return 0x35;
-    case VK_HOME: *extended = true; return 0x47;
-    case VK_UP: *extended = true; return 0x48;
-    case VK_PRIOR: *extended = true; return 0x49;
-    case VK_LEFT: *extended = true; return 0x4B;
-    case VK_RIGHT: *extended = true; return 0x4D;
-    case VK_END: *extended = true; return 0x4F;
-    case VK_DOWN: *extended = true; return 0x50;
-    case VK_NEXT: *extended = true; return 0x51;
-    case VK_INSERT: *extended = true; return 0x52;
-    case VK_DELETE: *extended = true; return 0x53;
-    case VK_DIVIDE: *extended = true; return 0x35;
-    case VK_APPS: *extended = true; return 0x5D;
-    default: return 0;
+    case VK_LMENU:
+      return 0x38;
+    case VK_RMENU:
+      *extended = true;
+      return 0x38;
+    case VK_SPACE:
+      return 0x39;
+    case VK_CAPITAL:
+      return 0x3A;
+    case VK_F11:
+      return 0x57;
+    case VK_F12:
+      return 0x58;
+    case VK_OEM_MINUS:
+      return 0x0C;
+    case VK_OEM_PLUS:
+      return 0x0D;
+    case VK_OEM_4:
+      return 0x1A;
+    case VK_OEM_6:
+      return 0x1B;
+    case VK_OEM_1:
+      return 0x27;
+    case VK_OEM_7:
+      return 0x28;
+    case VK_OEM_3:
+      return 0x29;
+    case VK_OEM_5:
+      return 0x2B;
+    case VK_OEM_COMMA:
+      return 0x33;
+    case VK_OEM_PERIOD:
+      return 0x34;
+    case VK_OEM_2:
+      return 0x35;
+    case VK_HOME:
+      *extended = true;
+      return 0x47;
+    case VK_UP:
+      *extended = true;
+      return 0x48;
+    case VK_PRIOR:
+      *extended = true;
+      return 0x49;
+    case VK_LEFT:
+      *extended = true;
+      return 0x4B;
+    case VK_RIGHT:
+      *extended = true;
+      return 0x4D;
+    case VK_END:
+      *extended = true;
+      return 0x4F;
+    case VK_DOWN:
+      *extended = true;
+      return 0x50;
+    case VK_NEXT:
+      *extended = true;
+      return 0x51;
+    case VK_INSERT:
+      *extended = true;
+      return 0x52;
+    case VK_DELETE:
+      *extended = true;
+      return 0x53;
+    case VK_DIVIDE:
+      *extended = true;
+      return 0x35;
+    case VK_APPS:
+      *extended = true;
+      return 0x5D;
+    default:
+      return 0;
   }
 }
 
@@ -129,12 +184,16 @@ int ScanCode(int vk, bool* extended) {
 int Generic(int vk) {
   switch (vk) {
     case VK_LSHIFT:
-    case VK_RSHIFT: return VK_SHIFT;
+    case VK_RSHIFT:
+      return VK_SHIFT;
     case VK_LCONTROL:
-    case VK_RCONTROL: return VK_CONTROL;
+    case VK_RCONTROL:
+      return VK_CONTROL;
     case VK_LMENU:
-    case VK_RMENU: return VK_MENU;
-    default: return 0;
+    case VK_RMENU:
+      return VK_MENU;
+    default:
+      return 0;
   }
 }
 
@@ -184,8 +243,8 @@ void UpdateTracking(HWND under, LRESULT hit, POINT p) {
   const bool inside = under == s.track && (nc ? hit != HTCLIENT : hit == HTCLIENT);
   if (!inside) {
     if ((s.track_flags & TME_LEAVE) != 0) {
-      s.posted.push_front(MSG{s.track, nc ? WM_NCMOUSELEAVE : WM_MOUSELEAVE, 0, 0, Clock::Now(),
-                              s.cursor});
+      s.posted.push_front(
+          MSG{s.track, nc ? WM_NCMOUSELEAVE : WM_MOUSELEAVE, 0, 0, Clock::Now(), s.cursor});
     }
     s.track = nullptr;
     s.track_flags = 0;
@@ -221,16 +280,39 @@ bool SizeMoveStep(const InputEvent& e) {
   const LONG dy = e.point.y - sm.start.y;
   RECT r = sm.rect;
   switch (sm.hit) {
-    case HTCAPTION: r = RECT{r.left + dx, r.top + dy, r.right + dx, r.bottom + dy}; break;
-    case HTLEFT: r.left += dx; break;
-    case HTRIGHT: r.right += dx; break;
-    case HTTOP: r.top += dy; break;
-    case HTBOTTOM: r.bottom += dy; break;
-    case HTTOPLEFT: r.left += dx; r.top += dy; break;
-    case HTTOPRIGHT: r.right += dx; r.top += dy; break;
-    case HTBOTTOMLEFT: r.left += dx; r.bottom += dy; break;
-    case HTBOTTOMRIGHT: r.right += dx; r.bottom += dy; break;
-    default: break;
+    case HTCAPTION:
+      r = RECT{r.left + dx, r.top + dy, r.right + dx, r.bottom + dy};
+      break;
+    case HTLEFT:
+      r.left += dx;
+      break;
+    case HTRIGHT:
+      r.right += dx;
+      break;
+    case HTTOP:
+      r.top += dy;
+      break;
+    case HTBOTTOM:
+      r.bottom += dy;
+      break;
+    case HTTOPLEFT:
+      r.left += dx;
+      r.top += dy;
+      break;
+    case HTTOPRIGHT:
+      r.right += dx;
+      r.top += dy;
+      break;
+    case HTBOTTOMLEFT:
+      r.left += dx;
+      r.bottom += dy;
+      break;
+    case HTBOTTOMRIGHT:
+      r.right += dx;
+      r.bottom += dy;
+      break;
+    default:
+      break;
   }
   const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | (sm.hit == HTCAPTION ? SWP_NOSIZE : 0u);
   SetWindowPos(sm.hwnd, nullptr, r.left, r.top, std::max<LONG>(r.right - r.left, 0),
@@ -290,10 +372,13 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
       if (target == nullptr) target = s.focus;
       if (target == nullptr || hit == HTERROR) return false;
       const UINT msg = e.horizontal ? WM_MOUSEHWHEEL : WM_MOUSEWHEEL;
-      *out = MSG{target, msg,
+      *out = MSG{target,
+                 msg,
                  MAKEWPARAM(static_cast<WORD>(MouseKeys()),
                             static_cast<WORD>(static_cast<SHORT>(e.delta))),
-                 PackPoint(e.point.x, e.point.y), now, e.point};
+                 PackPoint(e.point.x, e.point.y),
+                 now,
+                 e.point};
       return true;
     }
     if (target == nullptr) return false;
@@ -325,10 +410,9 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
     if (e.kind == InputEvent::kButton && e.down) {
       Window* w = Window::Get(target);
       const bool wants = !client || (w != nullptr && w->cls && (w->cls->style & CS_DBLCLKS) != 0);
-      const bool near = std::abs(e.point.x - s.last_press_point.x) <=
-                            GetSystemMetrics(SM_CXDOUBLECLK) / 2 &&
-                        std::abs(e.point.y - s.last_press_point.y) <=
-                            GetSystemMetrics(SM_CYDOUBLECLK) / 2;
+      const bool near =
+          std::abs(e.point.x - s.last_press_point.x) <= GetSystemMetrics(SM_CXDOUBLECLK) / 2 &&
+          std::abs(e.point.y - s.last_press_point.y) <= GetSystemMetrics(SM_CYDOUBLECLK) / 2;
       if (s.last_press_fresh && s.last_press == msg && s.last_press_window == target && near &&
           now - s.last_press_time <= kDoubleClickTime && wants) {
         msg += 2;  // the DBLCLK message of the button
@@ -344,8 +428,8 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
     if (!captured && client && e.kind == InputEvent::kButton && e.down &&
         (msg == kButtonDown[e.button])) {
       // A press on a child tells its parents, unless it asked not to.
-      for (Window* c = Window::Get(target); c != nullptr && c->IsChild() &&
-                                            (c->ex_style & WS_EX_NOPARENTNOTIFY) == 0;) {
+      for (Window* c = Window::Get(target);
+           c != nullptr && c->IsChild() && (c->ex_style & WS_EX_NOPARENTNOTIFY) == 0;) {
         Window* p = c->parent;
         if (p == nullptr || p->parent == nullptr) break;
         const HWND ph = p->handle;
@@ -370,8 +454,9 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
       *out = MSG{target, msg, wparam, PackPoint(e.point.x - o.x, e.point.y - o.y), now, e.point};
     } else {
       // The non-client messages sit 0x160 below the client ones.
-      *out = MSG{target, msg - (WM_MOUSEMOVE - WM_NCMOUSEMOVE), wparam,
-                 PackPoint(e.point.x, e.point.y), now, e.point};
+      *out = MSG{target, msg - (WM_MOUSEMOVE - WM_NCMOUSEMOVE),
+                 wparam, PackPoint(e.point.x, e.point.y),
+                 now,    e.point};
     }
     return true;
   }
@@ -381,8 +466,8 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
     MoveKeyState(s.keys, vk, e.down, false);
     const bool alt = (s.keys[VK_MENU] & 0x80) != 0;
     const bool ctrl = (s.keys[VK_CONTROL] & 0x80) != 0;
-    bool sys = (alt && !ctrl) || vk == VK_F10 || (!e.down && alt_before && Generic(vk) == VK_MENU) ||
-               (!e.down && vk == VK_MENU);
+    bool sys = (alt && !ctrl) || vk == VK_F10 ||
+               (!e.down && alt_before && Generic(vk) == VK_MENU) || (!e.down && vk == VK_MENU);
     HWND target = s.focus != nullptr && Alive(s.focus) ? s.focus : nullptr;
     if (target == nullptr) {
       target = s.active != nullptr && Alive(s.active) ? s.active : nullptr;
@@ -396,9 +481,11 @@ bool TranslateInput(const InputEvent& e, MSG* out) {
     if ((e.down ? alt : alt_before) && !ctrl) l |= uintptr_t{1} << 29;
     if (!e.down || e.repeat) l |= uintptr_t{1} << 30;
     if (!e.down) l |= uintptr_t{1} << 31;
-    const UINT msg = sys ? (e.down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (e.down ? WM_KEYDOWN : WM_KEYUP);
-    *out = MSG{target, msg, static_cast<WPARAM>(vk), static_cast<LPARAM>(static_cast<uint32_t>(l)),
-               now, s.cursor};
+    const UINT msg =
+        sys ? (e.down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (e.down ? WM_KEYDOWN : WM_KEYUP);
+    *out =
+        MSG{target, msg,     static_cast<WPARAM>(vk), static_cast<LPARAM>(static_cast<uint32_t>(l)),
+            now,    s.cursor};
     return true;
   }
   if (e.kind == InputEvent::kChar) {
@@ -470,8 +557,7 @@ void Activate(HWND hwnd, WORD how) {
     Window* o = Window::Get(old);
     SendMessageW(old, WM_NCACTIVATE, FALSE, 0);
     if (Alive(old)) {
-      SendMessageW(old, WM_ACTIVATE,
-                   MAKEWPARAM(WA_INACTIVE, (o->style & WS_MINIMIZE) != 0 ? 1 : 0),
+      SendMessageW(old, WM_ACTIVATE, MAKEWPARAM(WA_INACTIVE, (o->style & WS_MINIMIZE) != 0 ? 1 : 0),
                    reinterpret_cast<LPARAM>(hwnd));
     }
   }
@@ -595,7 +681,9 @@ BOOL ReleaseCapture() {
   return TRUE;
 }
 
-HWND GetCapture() { return UserState::Get().capture; }
+HWND GetCapture() {
+  return UserState::Get().capture;
+}
 
 // ---------------------------------------------------------------- focus
 
@@ -629,9 +717,15 @@ HWND SetFocus(HWND hwnd) {
   return old;
 }
 
-HWND GetFocus() { return UserState::Get().focus; }
-HWND GetActiveWindow() { return UserState::Get().active; }
-HWND GetForegroundWindow() { return UserState::Get().active; }
+HWND GetFocus() {
+  return UserState::Get().focus;
+}
+HWND GetActiveWindow() {
+  return UserState::Get().active;
+}
+HWND GetForegroundWindow() {
+  return UserState::Get().active;
+}
 
 HWND SetActiveWindow(HWND hwnd) {
   const HWND old = UserState::Get().active;
@@ -729,7 +823,9 @@ HCURSOR SetCursor(HCURSOR cursor) {
   return old;
 }
 
-HCURSOR GetCursor() { return UserState::Get().cursor_shape; }
+HCURSOR GetCursor() {
+  return UserState::Get().cursor_shape;
+}
 
 HCURSOR LoadCursorW(HINSTANCE instance, LPCWSTR name) {
   if (instance == nullptr && name != nullptr && IS_INTRESOURCE(name)) {
@@ -779,4 +875,6 @@ void keybd_event(BYTE vkey, BYTE, DWORD flags, ULONG_PTR) {
   vantor::platform::InjectKey(vkey, (flags & KEYEVENTF_KEYUP) == 0);
 }
 
-UINT GetDoubleClickTime() { return kDoubleClickTime; }
+UINT GetDoubleClickTime() {
+  return kDoubleClickTime;
+}

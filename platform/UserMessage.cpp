@@ -83,7 +83,9 @@ bool ValueToProc(LONG_PTR value, bool caller_unicode, bool narrow, WNDPROC* proc
 
 namespace {
 
-char16_t WideChar(WPARAM narrow) { return vantor::AnsiToChar(static_cast<uint8_t>(narrow & 0xFF)); }
+char16_t WideChar(WPARAM narrow) {
+  return vantor::AnsiToChar(static_cast<uint8_t>(narrow & 0xFF));
+}
 
 WPARAM NarrowChar(WPARAM wide) {
   const int b = vantor::CharToAnsi(static_cast<char16_t>(wide & 0xFFFF));
@@ -96,8 +98,8 @@ bool IsCharMessage(UINT msg) {
 
 }  // namespace
 
-LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wparam,
-                 LPARAM lparam, bool msg_unicode) {
+LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wparam, LPARAM lparam,
+                 bool msg_unicode) {
   if (proc == nullptr) {
     return msg_unicode ? DefWindowProcW(hwnd, msg, wparam, lparam)
                        : DefWindowProcA(hwnd, msg, wparam, lparam);
@@ -147,8 +149,18 @@ LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wp
         const auto* cs = reinterpret_cast<const CREATESTRUCTW*>(lparam);
         const std::string name = cs->lpszName ? vantor::ToAnsi(cs->lpszName) : std::string();
         std::string cls;
-        CREATESTRUCTA a{cs->lpCreateParams, cs->hInstance, cs->hMenu, cs->hwndParent, cs->cy,
-                        cs->cx, cs->y, cs->x, cs->style, nullptr, nullptr, cs->dwExStyle};
+        CREATESTRUCTA a{cs->lpCreateParams,
+                        cs->hInstance,
+                        cs->hMenu,
+                        cs->hwndParent,
+                        cs->cy,
+                        cs->cx,
+                        cs->y,
+                        cs->x,
+                        cs->style,
+                        nullptr,
+                        nullptr,
+                        cs->dwExStyle};
         a.lpszName = cs->lpszName ? name.c_str() : nullptr;
         if (cs->lpszClass != nullptr && IS_INTRESOURCE(cs->lpszClass)) {
           a.lpszClass = reinterpret_cast<LPCSTR>(cs->lpszClass);
@@ -161,8 +173,18 @@ LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wp
       const auto* cs = reinterpret_cast<const CREATESTRUCTA*>(lparam);
       const String name = cs->lpszName ? vantor::FromAnsi(cs->lpszName) : String();
       String cls;
-      CREATESTRUCTW w{cs->lpCreateParams, cs->hInstance, cs->hMenu, cs->hwndParent, cs->cy,
-                      cs->cx, cs->y, cs->x, cs->style, nullptr, nullptr, cs->dwExStyle};
+      CREATESTRUCTW w{cs->lpCreateParams,
+                      cs->hInstance,
+                      cs->hMenu,
+                      cs->hwndParent,
+                      cs->cy,
+                      cs->cx,
+                      cs->y,
+                      cs->x,
+                      cs->style,
+                      nullptr,
+                      nullptr,
+                      cs->dwExStyle};
       w.lpszName = cs->lpszName ? name.c_str() : nullptr;
       if (cs->lpszClass != nullptr && IS_INTRESOURCE(cs->lpszClass)) {
         w.lpszClass = reinterpret_cast<LPCWSTR>(cs->lpszClass);
@@ -172,7 +194,8 @@ LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wp
       }
       return proc(hwnd, msg, wparam, reinterpret_cast<LPARAM>(&w));
     }
-    default: return proc(hwnd, msg, wparam, lparam);
+    default:
+      return proc(hwnd, msg, wparam, lparam);
   }
 }
 
@@ -232,7 +255,8 @@ bool NextMessage(MSG* out, HWND filter, UINT first, UINT last, bool remove, bool
       if (TranslateInput(event, &m)) {
         // After what the event itself put at the head (a mouse leave).
         const size_t ahead = s.posted.size() >= before ? s.posted.size() - before : 0;
-        s.posted.insert(s.posted.begin() + static_cast<ptrdiff_t>(std::min(ahead, s.posted.size())), m);
+        s.posted.insert(s.posted.begin() + static_cast<ptrdiff_t>(std::min(ahead, s.posted.size())),
+                        m);
       }
       continue;
     }
@@ -288,8 +312,10 @@ bool SyncOnly(UINT msg) {
     case WM_WINDOWPOSCHANGING:
     case WM_WINDOWPOSCHANGED:
     case WM_STYLECHANGING:
-    case WM_STYLECHANGED: return true;
-    default: return false;
+    case WM_STYLECHANGED:
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -351,7 +377,8 @@ LRESULT CallWindowProcA(WNDPROC proc, HWND hwnd, UINT msg, WPARAM wparam, LPARAM
   WNDPROC p = nullptr;
   bool unicode = false;
   if (proc == nullptr ||
-      !vantor::platform::ValueToProc(reinterpret_cast<LONG_PTR>(proc), false, false, &p, &unicode) ||
+      !vantor::platform::ValueToProc(reinterpret_cast<LONG_PTR>(proc), false, false, &p,
+                                     &unicode) ||
       p == nullptr) {
     return 0;
   }
@@ -444,41 +471,71 @@ int CharOf(int vkey, bool shift, bool caps, bool ctrl, bool alt) {
   }
   if (ctrl && !alt) {
     switch (vkey) {
-      case VK_RETURN: return 0x0A;
-      case VK_BACK: return 0x7F;
-      case VK_ESCAPE: return 0x1B;
-      case VK_SPACE: return ' ';
-      case VK_OEM_4: return 0x1B;
-      case VK_OEM_5: return 0x1C;
-      case VK_OEM_6: return 0x1D;
-      default: return -1;
+      case VK_RETURN:
+        return 0x0A;
+      case VK_BACK:
+        return 0x7F;
+      case VK_ESCAPE:
+        return 0x1B;
+      case VK_SPACE:
+        return ' ';
+      case VK_OEM_4:
+        return 0x1B;
+      case VK_OEM_5:
+        return 0x1C;
+      case VK_OEM_6:
+        return 0x1D;
+      default:
+        return -1;
     }
   }
   if (vkey >= '0' && vkey <= '9') return shift ? ")!@#$%^&*("[vkey - '0'] : vkey;
   if (vkey >= VK_NUMPAD0 && vkey <= VK_NUMPAD9) return '0' + (vkey - VK_NUMPAD0);
   switch (vkey) {
-    case VK_SPACE: return ' ';
-    case VK_RETURN: return '\r';
-    case VK_BACK: return 0x08;
-    case VK_TAB: return '\t';
-    case VK_ESCAPE: return 0x1B;
-    case VK_MULTIPLY: return '*';
-    case VK_ADD: return '+';
-    case VK_SUBTRACT: return '-';
-    case VK_DECIMAL: return '.';
-    case VK_DIVIDE: return '/';
-    case VK_OEM_1: return shift ? ':' : ';';
-    case VK_OEM_PLUS: return shift ? '+' : '=';
-    case VK_OEM_COMMA: return shift ? '<' : ',';
-    case VK_OEM_MINUS: return shift ? '_' : '-';
-    case VK_OEM_PERIOD: return shift ? '>' : '.';
-    case VK_OEM_2: return shift ? '?' : '/';
-    case VK_OEM_3: return shift ? '~' : '`';
-    case VK_OEM_4: return shift ? '{' : '[';
-    case VK_OEM_5: return shift ? '|' : '\\';
-    case VK_OEM_6: return shift ? '}' : ']';
-    case VK_OEM_7: return shift ? '"' : '\'';
-    default: return -1;
+    case VK_SPACE:
+      return ' ';
+    case VK_RETURN:
+      return '\r';
+    case VK_BACK:
+      return 0x08;
+    case VK_TAB:
+      return '\t';
+    case VK_ESCAPE:
+      return 0x1B;
+    case VK_MULTIPLY:
+      return '*';
+    case VK_ADD:
+      return '+';
+    case VK_SUBTRACT:
+      return '-';
+    case VK_DECIMAL:
+      return '.';
+    case VK_DIVIDE:
+      return '/';
+    case VK_OEM_1:
+      return shift ? ':' : ';';
+    case VK_OEM_PLUS:
+      return shift ? '+' : '=';
+    case VK_OEM_COMMA:
+      return shift ? '<' : ',';
+    case VK_OEM_MINUS:
+      return shift ? '_' : '-';
+    case VK_OEM_PERIOD:
+      return shift ? '>' : '.';
+    case VK_OEM_2:
+      return shift ? '?' : '/';
+    case VK_OEM_3:
+      return shift ? '~' : '`';
+    case VK_OEM_4:
+      return shift ? '{' : '[';
+    case VK_OEM_5:
+      return shift ? '|' : '\\';
+    case VK_OEM_6:
+      return shift ? '}' : ']';
+    case VK_OEM_7:
+      return shift ? '"' : '\'';
+    default:
+      return -1;
   }
 }
 
@@ -499,8 +556,8 @@ BOOL TranslateMessage(const MSG* msg) {
     const int ch = CharOf(static_cast<int>(msg->wParam & 0xFF), shift, caps, ctrl, alt);
     if (ch >= 0) {
       UserState::Get().posted.push_front(
-          MSG{msg->hwnd, msg->message == WM_KEYDOWN ? WM_CHAR : WM_SYSCHAR,
-              static_cast<WPARAM>(ch), msg->lParam, msg->time, msg->pt});
+          MSG{msg->hwnd, msg->message == WM_KEYDOWN ? WM_CHAR : WM_SYSCHAR, static_cast<WPARAM>(ch),
+              msg->lParam, msg->time, msg->pt});
     }
   }
   return TRUE;
@@ -549,10 +606,16 @@ LRESULT Dispatch(const MSG* msg, bool unicode) {
 
 }  // namespace
 
-LRESULT DispatchMessageW(const MSG* msg) { return Dispatch(msg, true); }
-LRESULT DispatchMessageA(const MSG* msg) { return Dispatch(msg, false); }
+LRESULT DispatchMessageW(const MSG* msg) {
+  return Dispatch(msg, true);
+}
+LRESULT DispatchMessageA(const MSG* msg) {
+  return Dispatch(msg, false);
+}
 
-LONG GetMessageTime() { return static_cast<LONG>(UserState::Get().message_time); }
+LONG GetMessageTime() {
+  return static_cast<LONG>(UserState::Get().message_time);
+}
 
 DWORD GetMessagePos() {
   const POINT p = UserState::Get().message_point;
@@ -576,6 +639,8 @@ int RunUntilIdle() {
   return dispatched;
 }
 
-void SetIdleHook(std::function<bool()> hook) { UserState::Get().idle_hook = std::move(hook); }
+void SetIdleHook(std::function<bool()> hook) {
+  UserState::Get().idle_hook = std::move(hook);
+}
 
 }  // namespace vantor::platform

@@ -149,13 +149,17 @@ Window* FindPaint(Window& w, HWND filter) {
   return nullptr;
 }
 
-int Complexity(const Region& r) { return r.Complexity(); }
+int Complexity(const Region& r) {
+  return r.Complexity();
+}
 
 }  // namespace
 
 namespace vantor::platform {
 
-void Touch() { ++UserState::Get().generation; }
+void Touch() {
+  ++UserState::Get().generation;
+}
 
 void InvalidateFrame(Window& w) {
   if (w.parent == nullptr || !w.HasFrame()) return;
@@ -189,7 +193,9 @@ void InvalidateWindow(Window& w, const Region* client_region, bool erase, bool c
   }
 }
 
-Window* NextPaintWindow(HWND filter) { return FindPaint(*Window::Desktop(), filter); }
+Window* NextPaintWindow(HWND filter) {
+  return FindPaint(*Window::Desktop(), filter);
+}
 
 void RefreshWindowDCs() {
   auto& dcs = WindowDCs();
@@ -449,4 +455,6 @@ BOOL GetLayeredWindowAttributes(HWND hwnd, COLORREF* key, BYTE* alpha, DWORD* fl
   return TRUE;
 }
 
-BOOL FlashWindow(HWND, BOOL) { return TRUE; }
+BOOL FlashWindow(HWND, BOOL) {
+  return TRUE;
+}

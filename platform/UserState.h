@@ -14,7 +14,7 @@ namespace vantor::platform {
 
 struct InputEvent {
   enum Kind { kMove, kButton, kWheel, kKey, kChar } kind = kMove;
-  POINT point{};  // screen, at the time of the event
+  POINT point{};   // screen, at the time of the event
   int button = 0;  // 0 left, 1 right, 2 middle, 3 X1, 4 X2
   bool down = false;
   int delta = 0;
@@ -85,8 +85,8 @@ class UserState {
 // and narrow forms when the procedure takes the other one.
 LRESULT SendToWindow(Window& window, UINT msg, WPARAM wparam, LPARAM lparam, bool unicode);
 // Calls a procedure (or procedure handle) with the message in the given form.
-LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wparam,
-                 LPARAM lparam, bool msg_unicode);
+LRESULT CallProc(WNDPROC proc, bool proc_unicode, HWND hwnd, UINT msg, WPARAM wparam, LPARAM lparam,
+                 bool msg_unicode);
 
 // The pump: takes the next message that passes the filter, in the platform's
 // order (posted, quit, input, paint, timer). False when there is none now.

@@ -59,71 +59,107 @@ int GetSystemMetrics(int index) {
   // A 96-DPI desktop in the classic style.
   switch (index) {
     case SM_CXSCREEN:
-    case SM_CXVIRTUALSCREEN: return s.screen.cx;
+    case SM_CXVIRTUALSCREEN:
+      return s.screen.cx;
     case SM_CYSCREEN:
-    case SM_CYVIRTUALSCREEN: return s.screen.cy;
+    case SM_CYVIRTUALSCREEN:
+      return s.screen.cy;
     case SM_CXVSCROLL:
     case SM_CYHSCROLL:
     case SM_CYVTHUMB:
     case SM_CXHTHUMB:
     case SM_CYVSCROLL:
-    case SM_CXHSCROLL: return 17;
-    case SM_CYCAPTION: return 19;
+    case SM_CXHSCROLL:
+      return 17;
+    case SM_CYCAPTION:
+      return 19;
     case SM_CXBORDER:
-    case SM_CYBORDER: return 1;
+    case SM_CYBORDER:
+      return 1;
     case SM_CXDLGFRAME:
-    case SM_CYDLGFRAME: return 3;
+    case SM_CYDLGFRAME:
+      return 3;
     case SM_CXICON:
     case SM_CYICON:
     case SM_CXCURSOR:
-    case SM_CYCURSOR: return 32;
-    case SM_CYMENU: return 19;
-    case SM_CXFULLSCREEN: return work.right - work.left;
-    case SM_CYFULLSCREEN: return work.bottom - work.top - 19;
+    case SM_CYCURSOR:
+      return 32;
+    case SM_CYMENU:
+      return 19;
+    case SM_CXFULLSCREEN:
+      return work.right - work.left;
+    case SM_CYFULLSCREEN:
+      return work.bottom - work.top - 19;
     case SM_MOUSEPRESENT:
     case SM_MOUSEWHEELPRESENT:
-    case SM_CMONITORS: return 1;
-    case SM_SWAPBUTTON: return 0;
+    case SM_CMONITORS:
+      return 1;
+    case SM_SWAPBUTTON:
+      return 0;
     case SM_CXMIN:
-    case SM_CXMINTRACK: return 112;
+    case SM_CXMINTRACK:
+      return 112;
     case SM_CYMIN:
-    case SM_CYMINTRACK: return 27;
+    case SM_CYMINTRACK:
+      return 27;
     case SM_CXSIZE:
     case SM_CYSIZE:
     case SM_CXMENUSIZE:
-    case SM_CYMENUSIZE: return 18;
+    case SM_CYMENUSIZE:
+      return 18;
     case SM_CXFRAME:
-    case SM_CYFRAME: return 4;
+    case SM_CYFRAME:
+      return 4;
     case SM_CXDOUBLECLK:
     case SM_CYDOUBLECLK:
     case SM_CXDRAG:
-    case SM_CYDRAG: return 4;
+    case SM_CYDRAG:
+      return 4;
     case SM_CXICONSPACING:
-    case SM_CYICONSPACING: return 75;
-    case SM_MENUDROPALIGNMENT: return 0;
-    case SM_CMOUSEBUTTONS: return 5;
+    case SM_CYICONSPACING:
+      return 75;
+    case SM_MENUDROPALIGNMENT:
+      return 0;
+    case SM_CMOUSEBUTTONS:
+      return 5;
     case SM_CXEDGE:
-    case SM_CYEDGE: return 2;
+    case SM_CYEDGE:
+      return 2;
     case SM_CXSMICON:
-    case SM_CYSMICON: return 16;
-    case SM_CYSMCAPTION: return 16;
+    case SM_CYSMICON:
+      return 16;
+    case SM_CYSMCAPTION:
+      return 16;
     case SM_CXSMSIZE:
-    case SM_CYSMSIZE: return 15;
-    case SM_CXMINIMIZED: return 160;
-    case SM_CYMINIMIZED: return 24;
-    case SM_CXMAXTRACK: return s.screen.cx + 12;
-    case SM_CYMAXTRACK: return s.screen.cy + 12;
-    case SM_CXMAXIMIZED: return work.right - work.left + 8;
-    case SM_CYMAXIMIZED: return work.bottom - work.top + 8;
+    case SM_CYSMSIZE:
+      return 15;
+    case SM_CXMINIMIZED:
+      return 160;
+    case SM_CYMINIMIZED:
+      return 24;
+    case SM_CXMAXTRACK:
+      return s.screen.cx + 12;
+    case SM_CYMAXTRACK:
+      return s.screen.cy + 12;
+    case SM_CXMAXIMIZED:
+      return work.right - work.left + 8;
+    case SM_CYMAXIMIZED:
+      return work.bottom - work.top + 8;
     case SM_CXMENUCHECK:
-    case SM_CYMENUCHECK: return 13;
+    case SM_CYMENUCHECK:
+      return 13;
     case SM_XVIRTUALSCREEN:
-    case SM_YVIRTUALSCREEN: return 0;
+    case SM_YVIRTUALSCREEN:
+      return 0;
     case SM_CXFOCUSBORDER:
-    case SM_CYFOCUSBORDER: return 1;
-    case SM_CXPADDEDBORDER: return 0;
-    case SM_REMOTESESSION: return 0;
-    default: return 0;
+    case SM_CYFOCUSBORDER:
+      return 1;
+    case SM_CXPADDEDBORDER:
+      return 0;
+    case SM_REMOTESESSION:
+      return 0;
+    default:
+      return 0;
   }
 }
 
@@ -135,14 +171,26 @@ BOOL SystemParameters(UINT action, LPVOID pv) {
     return FALSE;
   }
   switch (action) {
-    case SPI_GETWORKAREA: *static_cast<RECT*>(pv) = UserState::Get().work_area; return TRUE;
-    case SPI_GETMOUSEHOVERTIME: *static_cast<UINT*>(pv) = kHoverTime; return TRUE;
+    case SPI_GETWORKAREA:
+      *static_cast<RECT*>(pv) = UserState::Get().work_area;
+      return TRUE;
+    case SPI_GETMOUSEHOVERTIME:
+      *static_cast<UINT*>(pv) = kHoverTime;
+      return TRUE;
     case SPI_GETMOUSEHOVERWIDTH:
-    case SPI_GETMOUSEHOVERHEIGHT: *static_cast<UINT*>(pv) = kHoverSize; return TRUE;
+    case SPI_GETMOUSEHOVERHEIGHT:
+      *static_cast<UINT*>(pv) = kHoverSize;
+      return TRUE;
     case SPI_GETWHEELSCROLLLINES:
-    case SPI_GETWHEELSCROLLCHARS: *static_cast<UINT*>(pv) = kWheelLines; return TRUE;
-    case SPI_GETKEYBOARDDELAY: *static_cast<int*>(pv) = 1; return TRUE;
-    default: SetLastError(ERROR_INVALID_PARAMETER); return FALSE;
+    case SPI_GETWHEELSCROLLCHARS:
+      *static_cast<UINT*>(pv) = kWheelLines;
+      return TRUE;
+    case SPI_GETKEYBOARDDELAY:
+      *static_cast<int*>(pv) = 1;
+      return TRUE;
+    default:
+      SetLastError(ERROR_INVALID_PARAMETER);
+      return FALSE;
   }
 }
 
@@ -175,14 +223,19 @@ HRESULT OleTranslateColor(OLE_COLOR color, HPALETTE, COLORREF* out) {
       result = GetSysColor(index);
       break;
     }
-    default: return E_INVALIDARG;
+    default:
+      return E_INVALIDARG;
   }
   if (out != nullptr) *out = result;
   return S_OK;
 }
 
-DWORD GetLastError() { return UserState::Get().last_error; }
-void SetLastError(DWORD error) { UserState::Get().last_error = error; }
+DWORD GetLastError() {
+  return UserState::Get().last_error;
+}
+void SetLastError(DWORD error) {
+  UserState::Get().last_error = error;
+}
 
 HMODULE GetModuleHandleW(LPCWSTR name) {
   // One module: the process itself, at the platform's usual image base.
@@ -193,10 +246,14 @@ HMODULE GetModuleHandleA(LPCSTR name) {
   return name == nullptr ? reinterpret_cast<HMODULE>(uintptr_t{0x400000}) : nullptr;
 }
 
-DWORD GetCurrentProcessId() { return static_cast<DWORD>(getpid()); }
+DWORD GetCurrentProcessId() {
+  return static_cast<DWORD>(getpid());
+}
 
 // One UI thread, as the library assumes.
-DWORD GetCurrentThreadId() { return 1; }
+DWORD GetCurrentThreadId() {
+  return 1;
+}
 
 DWORD GetWindowThreadProcessId(HWND hwnd, DWORD* process_id) {
   if (vantor::platform::Window::Get(hwnd) == nullptr) {
@@ -207,4 +264,6 @@ DWORD GetWindowThreadProcessId(HWND hwnd, DWORD* process_id) {
   return GetCurrentThreadId();
 }
 
-BOOL MessageBeep(UINT) { return TRUE; }
+BOOL MessageBeep(UINT) {
+  return TRUE;
+}

@@ -16,7 +16,9 @@ namespace {
 constexpr UINT kMinimumElapse = 10;
 constexpr UINT kMaximumElapse = 0x7FFFFFFF;
 
-bool Due(DWORD due, DWORD now) { return static_cast<int32_t>(now - due) >= 0; }
+bool Due(DWORD due, DWORD now) {
+  return static_cast<int32_t>(now - due) >= 0;
+}
 
 }  // namespace
 
@@ -121,8 +123,12 @@ BOOL KillTimer(HWND hwnd, UINT_PTR id) {
   return FALSE;
 }
 
-DWORD GetTickCount() { return Clock::Now(); }
-DWORD timeGetTime() { return Clock::Now(); }
+DWORD GetTickCount() {
+  return Clock::Now();
+}
+DWORD timeGetTime() {
+  return Clock::Now();
+}
 
 void Sleep(DWORD milliseconds) {
   if (Clock::Manual()) {

@@ -30,9 +30,13 @@ int Depth(const Window* w) {
   return depth;
 }
 
-String ToString(LPCWSTR text) { return text ? String(text) : String(); }
+String ToString(LPCWSTR text) {
+  return text ? String(text) : String();
+}
 
-String NarrowToString(LPCSTR text) { return text ? vantor::FromAnsi(text) : String(); }
+String NarrowToString(LPCSTR text) {
+  return text ? vantor::FromAnsi(text) : String();
+}
 
 Window* Valid(HWND hwnd) {
   Window* w = Window::Get(hwnd);
@@ -44,7 +48,9 @@ LRESULT Send(Window& w, UINT msg, WPARAM wparam, LPARAM lparam) {
   return vantor::platform::SendToWindow(w, msg, wparam, lparam, true);
 }
 
-bool Alive(const std::shared_ptr<Window>& w) { return Window::Get(w->handle) == w.get(); }
+bool Alive(const std::shared_ptr<Window>& w) {
+  return Window::Get(w->handle) == w.get();
+}
 
 void Unlink(Window& w) {
   if (w.parent == nullptr) return;
@@ -233,8 +239,7 @@ HWND CreateWindowImpl(DWORD ex_style, LPCWSTR class_name, const String& name, DW
       HWND ph = p->handle;
       Send(*p, WM_PARENTNOTIFY, MAKEWPARAM(WM_CREATE, static_cast<WORD>(w->id)),
            reinterpret_cast<LPARAM>(hwnd));
-      if (Window::Get(ph) == nullptr || (p->ex_style & WS_EX_NOPARENTNOTIFY) != 0 ||
-          !p->IsChild())
+      if (Window::Get(ph) == nullptr || (p->ex_style & WS_EX_NOPARENTNOTIFY) != 0 || !p->IsChild())
         break;
     }
     if (!Alive(w)) return nullptr;
@@ -298,9 +303,9 @@ ATOM RegisterClassW(const WNDCLASSW* wc) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return 0;
   }
-  WNDCLASSEXW ex{sizeof(WNDCLASSEXW), wc->style,         wc->lpfnWndProc,  wc->cbClsExtra,
-                 wc->cbWndExtra,      wc->hInstance,     wc->hIcon,        wc->hCursor,
-                 wc->hbrBackground,   wc->lpszMenuName,  wc->lpszClassName, nullptr};
+  WNDCLASSEXW ex{sizeof(WNDCLASSEXW), wc->style,        wc->lpfnWndProc,   wc->cbClsExtra,
+                 wc->cbWndExtra,      wc->hInstance,    wc->hIcon,         wc->hCursor,
+                 wc->hbrBackground,   wc->lpszMenuName, wc->lpszClassName, nullptr};
   return RegisterClassExW(&ex);
 }
 
@@ -329,9 +334,9 @@ ATOM RegisterClassA(const WNDCLASSA* wc) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return 0;
   }
-  WNDCLASSEXA ex{sizeof(WNDCLASSEXA), wc->style,         wc->lpfnWndProc,  wc->cbClsExtra,
-                 wc->cbWndExtra,      wc->hInstance,     wc->hIcon,        wc->hCursor,
-                 wc->hbrBackground,   wc->lpszMenuName,  wc->lpszClassName, nullptr};
+  WNDCLASSEXA ex{sizeof(WNDCLASSEXA), wc->style,        wc->lpfnWndProc,   wc->cbClsExtra,
+                 wc->cbWndExtra,      wc->hInstance,    wc->hIcon,         wc->hCursor,
+                 wc->hbrBackground,   wc->lpszMenuName, wc->lpszClassName, nullptr};
   return RegisterClassExA(&ex);
 }
 
@@ -354,8 +359,8 @@ BOOL GetClassInfoExW(HINSTANCE, LPCWSTR class_name, WNDCLASSEXW* out) {
     SetLastError(ERROR_CLASS_DOES_NOT_EXIST);
     return FALSE;
   }
-  *out = WNDCLASSEXW{sizeof(WNDCLASSEXW), cls->style,    cls->proc,       cls->class_extra,
-                     cls->window_extra,   cls->instance, cls->icon,       cls->cursor,
+  *out = WNDCLASSEXW{sizeof(WNDCLASSEXW), cls->style,    cls->proc,         cls->class_extra,
+                     cls->window_extra,   cls->instance, cls->icon,         cls->cursor,
                      cls->background,     nullptr,       cls->name.c_str(), nullptr};
   return TRUE;
 }
@@ -385,12 +390,18 @@ ULONG_PTR GetClassLongPtrW(HWND hwnd, int index) {
   if (w == nullptr || !w->cls) return 0;
   WindowClass& c = *w->cls;
   switch (index) {
-    case GCLP_HCURSOR: return reinterpret_cast<ULONG_PTR>(c.cursor);
-    case GCLP_HBRBACKGROUND: return reinterpret_cast<ULONG_PTR>(c.background);
-    case GCLP_HICON: return reinterpret_cast<ULONG_PTR>(c.icon);
-    case GCL_STYLE: return c.style;
-    case GCL_CBWNDEXTRA: return static_cast<ULONG_PTR>(c.window_extra);
-    case GCL_CBCLSEXTRA: return static_cast<ULONG_PTR>(c.class_extra);
+    case GCLP_HCURSOR:
+      return reinterpret_cast<ULONG_PTR>(c.cursor);
+    case GCLP_HBRBACKGROUND:
+      return reinterpret_cast<ULONG_PTR>(c.background);
+    case GCLP_HICON:
+      return reinterpret_cast<ULONG_PTR>(c.icon);
+    case GCL_STYLE:
+      return c.style;
+    case GCL_CBWNDEXTRA:
+      return static_cast<ULONG_PTR>(c.window_extra);
+    case GCL_CBCLSEXTRA:
+      return static_cast<ULONG_PTR>(c.class_extra);
     case GCLP_WNDPROC:
       return static_cast<ULONG_PTR>(vantor::platform::ProcToValue(c.proc, c.unicode, true, false));
     default:
@@ -410,10 +421,18 @@ ULONG_PTR SetClassLongPtrW(HWND hwnd, int index, LONG_PTR value) {
   WindowClass& c = *w->cls;
   const ULONG_PTR old = GetClassLongPtrW(hwnd, index);
   switch (index) {
-    case GCLP_HCURSOR: c.cursor = reinterpret_cast<HCURSOR>(value); break;
-    case GCLP_HBRBACKGROUND: c.background = reinterpret_cast<HBRUSH>(value); break;
-    case GCLP_HICON: c.icon = reinterpret_cast<HICON>(value); break;
-    case GCL_STYLE: c.style = static_cast<UINT>(value); break;
+    case GCLP_HCURSOR:
+      c.cursor = reinterpret_cast<HCURSOR>(value);
+      break;
+    case GCLP_HBRBACKGROUND:
+      c.background = reinterpret_cast<HBRUSH>(value);
+      break;
+    case GCLP_HICON:
+      c.icon = reinterpret_cast<HICON>(value);
+      break;
+    case GCL_STYLE:
+      c.style = static_cast<UINT>(value);
+      break;
     case GCLP_WNDPROC: {
       WNDPROC proc;
       bool unicode;
@@ -509,7 +528,9 @@ BOOL DestroyWindow(HWND hwnd) {
 
 // ---------------------------------------------------------------- the tree
 
-BOOL IsWindow(HWND hwnd) { return Window::Get(hwnd) != nullptr ? TRUE : FALSE; }
+BOOL IsWindow(HWND hwnd) {
+  return Window::Get(hwnd) != nullptr ? TRUE : FALSE;
+}
 
 BOOL IsWindowVisible(HWND hwnd) {
   Window* w = Window::Get(hwnd);
@@ -617,11 +638,17 @@ HWND GetWindow(HWND hwnd, UINT cmd) {
   const auto& s = w->parent->children;
   auto it = std::find_if(s.begin(), s.end(), [&](const auto& c) { return c.get() == w; });
   switch (cmd) {
-    case GW_HWNDFIRST: return s.front()->handle;
-    case GW_HWNDLAST: return s.back()->handle;
-    case GW_HWNDNEXT: return (it == s.end() || it + 1 == s.end()) ? nullptr : (*(it + 1))->handle;
-    case GW_HWNDPREV: return (it == s.begin() || it == s.end()) ? nullptr : (*(it - 1))->handle;
-    default: SetLastError(ERROR_INVALID_PARAMETER); return nullptr;
+    case GW_HWNDFIRST:
+      return s.front()->handle;
+    case GW_HWNDLAST:
+      return s.back()->handle;
+    case GW_HWNDNEXT:
+      return (it == s.end() || it + 1 == s.end()) ? nullptr : (*(it + 1))->handle;
+    case GW_HWNDPREV:
+      return (it == s.begin() || it == s.end()) ? nullptr : (*(it - 1))->handle;
+    default:
+      SetLastError(ERROR_INVALID_PARAMETER);
+      return nullptr;
   }
 }
 
@@ -635,8 +662,10 @@ HWND GetAncestor(HWND hwnd, UINT flags) {
   Window* w = Window::Get(hwnd);
   if (w == nullptr || w->parent == nullptr) return nullptr;
   switch (flags) {
-    case GA_PARENT: return w->parent->handle;
-    case GA_ROOT: return w->TopLevel()->handle;
+    case GA_PARENT:
+      return w->parent->handle;
+    case GA_ROOT:
+      return w->TopLevel()->handle;
     case GA_ROOTOWNER: {
       HWND root = w->TopLevel()->handle;
       for (int guard = 0; guard < 1000; ++guard) {
@@ -646,11 +675,14 @@ HWND GetAncestor(HWND hwnd, UINT flags) {
       }
       return root;
     }
-    default: return nullptr;
+    default:
+      return nullptr;
   }
 }
 
-HWND GetDesktopWindow() { return Window::Desktop()->handle; }
+HWND GetDesktopWindow() {
+  return Window::Desktop()->handle;
+}
 
 HWND GetDlgItem(HWND parent, int id) {
   Window* w = Valid(parent);
@@ -927,8 +959,8 @@ HWND ChildWindowFromPoint(HWND parent, POINT point) {
   for (auto& child : w->children) {
     const RECT& r = child->rect;
     if (point.x >= r.left && point.x < r.right && point.y >= r.top && point.y < r.bottom) {
-      if (child->window_region && !child->window_region->Contains(point.x - r.left,
-                                                                  point.y - r.top)) {
+      if (child->window_region &&
+          !child->window_region->Contains(point.x - r.left, point.y - r.top)) {
         continue;
       }
       return child->handle;
@@ -991,8 +1023,7 @@ bool StyleChange(Window& w, int index, DWORD value, DWORD* old) {
   } else {
     w.ex_style = ss.styleNew;
   }
-  SendToWindow(w, WM_STYLECHANGED, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&ss),
-               true);
+  SendToWindow(w, WM_STYLECHANGED, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&ss), true);
   vantor::platform::Touch();
   return true;
 }
@@ -1003,13 +1034,18 @@ LONG_PTR GetLong(HWND hwnd, int index, bool unicode, bool narrow) {
   switch (index) {
     case GWL_WNDPROC:
       return vantor::platform::ProcToValue(w->proc, w->unicode, unicode, narrow);
-    case GWL_HINSTANCE: return reinterpret_cast<LONG_PTR>(w->instance);
+    case GWL_HINSTANCE:
+      return reinterpret_cast<LONG_PTR>(w->instance);
     case GWL_HWNDPARENT:
       return reinterpret_cast<LONG_PTR>(w->IsChild() && w->parent ? w->parent->handle : w->owner);
-    case GWL_ID: return w->id;
-    case GWL_STYLE: return static_cast<LONG>(w->style);
-    case GWL_EXSTYLE: return static_cast<LONG>(w->ex_style);
-    case GWL_USERDATA: return w->user_data;
+    case GWL_ID:
+      return w->id;
+    case GWL_STYLE:
+      return static_cast<LONG>(w->style);
+    case GWL_EXSTYLE:
+      return static_cast<LONG>(w->ex_style);
+    case GWL_USERDATA:
+      return w->user_data;
     default: {
       const size_t size = narrow ? sizeof(LONG) : sizeof(LONG_PTR);
       if (index >= 0 && static_cast<size_t>(index) + size <= w->extra.size()) {
@@ -1107,8 +1143,12 @@ LONG SetWindowLongW(HWND hwnd, int index, LONG value) {
 LONG SetWindowLongA(HWND hwnd, int index, LONG value) {
   return static_cast<LONG>(SetLong(hwnd, index, value, false, true));
 }
-LONG_PTR GetWindowLongPtrW(HWND hwnd, int index) { return GetLong(hwnd, index, true, false); }
-LONG_PTR GetWindowLongPtrA(HWND hwnd, int index) { return GetLong(hwnd, index, false, false); }
+LONG_PTR GetWindowLongPtrW(HWND hwnd, int index) {
+  return GetLong(hwnd, index, true, false);
+}
+LONG_PTR GetWindowLongPtrA(HWND hwnd, int index) {
+  return GetLong(hwnd, index, false, false);
+}
 LONG_PTR SetWindowLongPtrW(HWND hwnd, int index, LONG_PTR value) {
   return SetLong(hwnd, index, value, true, false);
 }

@@ -58,7 +58,9 @@ Region ScreenShape(const Window& w) {
 
 }  // namespace
 
-bool Window::IsTopLevel() const { return parent != nullptr && parent->parent == nullptr; }
+bool Window::IsTopLevel() const {
+  return parent != nullptr && parent->parent == nullptr;
+}
 
 Window* Window::TopLevel() {
   Window* w = this;
@@ -246,6 +248,8 @@ Window* Window::Desktop() {
   return t.desktop.get();
 }
 
-size_t Window::Count() { return TheTable().live; }
+size_t Window::Count() {
+  return TheTable().live;
+}
 
 }  // namespace vantor::platform

@@ -29,9 +29,9 @@ class Window {
   Window* parent = nullptr;  // the desktop for top-level windows; null only for the desktop
   HWND owner = nullptr;
   std::vector<std::shared_ptr<Window>> children;  // top of the z-order first
-  RECT rect{};    // window rectangle, parent's client coordinates
-  RECT client{};  // client rectangle, parent's client coordinates
-  RECT normal{};  // the rectangle to go back to after a maximize
+  RECT rect{};                                    // window rectangle, parent's client coordinates
+  RECT client{};                                  // client rectangle, parent's client coordinates
+  RECT normal{};                                  // the rectangle to go back to after a maximize
   bool has_normal = false;
   String text;
   std::vector<std::pair<String, HANDLE>> props;
@@ -42,8 +42,8 @@ class Window {
   Region update;
   bool erase = false;
   bool internal_paint = false;
-  bool frame_dirty = false;     // WM_NCPAINT is due with the next paint
-  bool caption_active = false;  // as the last WM_NCACTIVATE said
+  bool frame_dirty = false;               // WM_NCPAINT is due with the next paint
+  bool caption_active = false;            // as the last WM_NCACTIVATE said
   std::unique_ptr<Region> window_region;  // window coordinates
 
   bool layered_set = false;

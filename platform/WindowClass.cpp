@@ -19,7 +19,9 @@ Registry& TheRegistry() {
   return registry;
 }
 
-char16_t Fold(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c; }
+char16_t Fold(char16_t c) {
+  return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c;
+}
 
 bool SameName(const String& a, LPCWSTR b) {
   size_t i = 0;

@@ -128,9 +128,9 @@ TEST_F(UserBadInputTest, NullPointersAndOutOfRangeValues) {
   EXPECT_EQ(GetUpdateRgn(w, reinterpret_cast<HRGN>(intptr_t{77}), TRUE), 0);
   EXPECT_EQ(SetParent(w, w), nullptr);
   // Messages whose pointers are missing are answered without touching them.
-  for (UINT msg : {WM_GETTEXT, WM_SETTEXT, WM_NCCALCSIZE, WM_WINDOWPOSCHANGING,
-                   WM_WINDOWPOSCHANGED, WM_NCCREATE, WM_ERASEBKGND, WM_SETCURSOR,
-                   WM_NCHITTEST, WM_GETMINMAXINFO, WM_MOUSEACTIVATE}) {
+  for (UINT msg : {WM_GETTEXT, WM_SETTEXT, WM_NCCALCSIZE, WM_WINDOWPOSCHANGING, WM_WINDOWPOSCHANGED,
+                   WM_NCCREATE, WM_ERASEBKGND, WM_SETCURSOR, WM_NCHITTEST, WM_GETMINMAXINFO,
+                   WM_MOUSEACTIVATE}) {
     SendMessageW(w, msg, 100, 0);
     SendMessageA(w, msg, 100, 0);
   }
@@ -239,25 +239,51 @@ TEST_F(UserBadInputTest, RandomCallsNeverCrash) {
     const int x = pick(2000) - 500, y = pick(1500) - 500;
     switch (pick(16)) {
       case 0:
-        windows.push_back(Top(x, y, pick(400), pick(400), WS_POPUP | WS_VISIBLE |
-                                                             (pick(2) ? WS_CAPTION : 0)));
+        windows.push_back(
+            Top(x, y, pick(400), pick(400), WS_POPUP | WS_VISIBLE | (pick(2) ? WS_CAPTION : 0)));
         break;
-      case 1: windows.push_back(Child(h, x / 4, y / 4, pick(200), pick(200), pick(9))); break;
-      case 2: DestroyWindow(h); break;
-      case 3: SetWindowPos(h, pick(2) ? HWND_TOPMOST : HWND_BOTTOM, x, y, pick(300), pick(300),
-                           static_cast<UINT>(pick(0x80))); break;
-      case 4: ShowWindow(h, pick(12)); break;
-      case 5: SetWindowLongPtrW(h, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Chaos)); break;
-      case 6: SendMessageW(h, WM_USER, static_cast<WPARAM>(pick(4)), 0); break;
-      case 7: InjectMouseMove(x, y); break;
-      case 8: InjectMouseButton(static_cast<MouseButton>(pick(5)), pick(2) != 0); break;
-      case 9: InjectKey(pick(256), pick(2) != 0); break;
-      case 10: Clock::Advance(static_cast<DWORD>(pick(600))); break;
-      case 11: SetTimer(h, static_cast<UINT_PTR>(pick(3)), static_cast<UINT>(pick(100)), nullptr);
+      case 1:
+        windows.push_back(Child(h, x / 4, y / 4, pick(200), pick(200), pick(9)));
         break;
-      case 12: SetCapture(h); break;
-      case 13: SetWindowRgn(h, CreateEllipticRgn(0, 0, pick(100), pick(100)), TRUE); break;
-      case 14: SetParent(h, windows[static_cast<size_t>(pick(static_cast<int>(windows.size())))]);
+      case 2:
+        DestroyWindow(h);
+        break;
+      case 3:
+        SetWindowPos(h, pick(2) ? HWND_TOPMOST : HWND_BOTTOM, x, y, pick(300), pick(300),
+                     static_cast<UINT>(pick(0x80)));
+        break;
+      case 4:
+        ShowWindow(h, pick(12));
+        break;
+      case 5:
+        SetWindowLongPtrW(h, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Chaos));
+        break;
+      case 6:
+        SendMessageW(h, WM_USER, static_cast<WPARAM>(pick(4)), 0);
+        break;
+      case 7:
+        InjectMouseMove(x, y);
+        break;
+      case 8:
+        InjectMouseButton(static_cast<MouseButton>(pick(5)), pick(2) != 0);
+        break;
+      case 9:
+        InjectKey(pick(256), pick(2) != 0);
+        break;
+      case 10:
+        Clock::Advance(static_cast<DWORD>(pick(600)));
+        break;
+      case 11:
+        SetTimer(h, static_cast<UINT_PTR>(pick(3)), static_cast<UINT>(pick(100)), nullptr);
+        break;
+      case 12:
+        SetCapture(h);
+        break;
+      case 13:
+        SetWindowRgn(h, CreateEllipticRgn(0, 0, pick(100), pick(100)), TRUE);
+        break;
+      case 14:
+        SetParent(h, windows[static_cast<size_t>(pick(static_cast<int>(windows.size())))]);
         break;
       default: {
         TRACKMOUSEEVENT t{sizeof t, TME_HOVER | TME_LEAVE, h, static_cast<DWORD>(pick(500))};

@@ -116,9 +116,9 @@ TEST_F(UserInputTest, NonClientAreaGetsNonClientMessages) {
     int x, y;
     LRESULT hit;
   };
-  const Case cases[] = {{100, 200, HTLEFT},        {299, 200, HTRIGHT},  {200, 100, HTTOP},
-                        {200, 249, HTBOTTOM},      {101, 101, HTTOPLEFT}, {298, 248, HTBOTTOMRIGHT},
-                        {200, 200, HTCLIENT},      {99, 200, HTNOWHERE}, {300, 200, HTNOWHERE},
+  const Case cases[] = {{100, 200, HTLEFT},   {299, 200, HTRIGHT},   {200, 100, HTTOP},
+                        {200, 249, HTBOTTOM}, {101, 101, HTTOPLEFT}, {298, 248, HTBOTTOMRIGHT},
+                        {200, 200, HTCLIENT}, {99, 200, HTNOWHERE},  {300, 200, HTNOWHERE},
                         {290, 110, HTCLOSE}};
   for (const auto& c : cases) {
     const LPARAM at = MAKELPARAM(static_cast<WORD>(c.x), static_cast<WORD>(c.y));
@@ -244,7 +244,7 @@ TEST_F(UserInputTest, DoubleClicksNeedTheClassStyleTimeAndDistance) {
   Clock::Advance(501);
   Click(10, 10);
   Clock::Advance(100);
-  Click(13, 10);  // three pixels away
+  Click(13, 10);                      // three pixels away
   Click(13, 10, MouseButton::Right);  // another button
   EXPECT_TRUE(L().Of(WM_LBUTTONDBLCLK).empty());
   EXPECT_TRUE(L().Of(WM_RBUTTONDBLCLK).empty());
@@ -253,8 +253,8 @@ TEST_F(UserInputTest, DoubleClicksNeedTheClassStyleTimeAndDistance) {
   wc.lpfnWndProc = LoggingProc;
   wc.lpszClassName = u"NoDouble";
   RegisterClassW(&wc);
-  HWND plain = CreateWindowExW(0, u"NoDouble", u"", WS_POPUP | WS_VISIBLE, 300, 0, 50, 50,
-                               nullptr, nullptr, nullptr, nullptr);
+  HWND plain = CreateWindowExW(0, u"NoDouble", u"", WS_POPUP | WS_VISIBLE, 300, 0, 50, 50, nullptr,
+                               nullptr, nullptr, nullptr);
   RunUntilIdle();
   Clear();
   Click(310, 10);

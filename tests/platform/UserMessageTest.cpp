@@ -39,9 +39,8 @@ TEST_F(UserMessageTest, SubclassChainRunsNewestFirstAroundTheOriginal) {
     return 1;
   };
   Trail().clear();
-  g_first_old =
-      reinterpret_cast<WNDPROC>(SetWindowLongPtrW(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(
-                                                                       &FirstSubclass)));
+  g_first_old = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrW(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&FirstSubclass)));
   EXPECT_EQ(g_first_old, &LoggingProc);
   g_second_old = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrW(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&SecondSubclass)));
@@ -66,9 +65,9 @@ TEST_F(UserMessageTest, ThirtyTwoBitLongsHandOutProcedureHandles) {
   EXPECT_NE(handle, 0);
   // The handle calls the procedure through CallWindowProc.
   L().handlers[WM_USER] = [](HWND, WPARAM, LPARAM, bool*) -> LRESULT { return 33; };
-  EXPECT_EQ(CallWindowProcW(reinterpret_cast<WNDPROC>(static_cast<LONG_PTR>(handle)), w, WM_USER,
-                            0, 0),
-            33);
+  EXPECT_EQ(
+      CallWindowProcW(reinterpret_cast<WNDPROC>(static_cast<LONG_PTR>(handle)), w, WM_USER, 0, 0),
+      33);
   // And restores it through SetWindowLong, as the message bridge does.
   SetWindowLongPtrW(w, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&FirstSubclass));
   g_first_old = &LoggingProc;

@@ -220,9 +220,9 @@ TEST_F(UserPaintTest, FramesAndCaptionsArePaintedInTheClassicLook) {
   RunUntilIdle();
   EXPECT_FALSE(L().Of(WM_NCPAINT, w).empty());
   // Sizing border: light and highlight lines, then the button face.
-  EXPECT_EQ(Pixel(w, 0, 40), 0xE3E3E3u);   // COLOR_3DLIGHT
-  EXPECT_EQ(Pixel(w, 1, 40), 0xFFFFFFu);   // COLOR_BTNHIGHLIGHT
-  EXPECT_EQ(Pixel(w, 2, 40), 0xF0F0F0u);   // COLOR_BTNFACE
+  EXPECT_EQ(Pixel(w, 0, 40), 0xE3E3E3u);    // COLOR_3DLIGHT
+  EXPECT_EQ(Pixel(w, 1, 40), 0xFFFFFFu);    // COLOR_BTNHIGHLIGHT
+  EXPECT_EQ(Pixel(w, 2, 40), 0xF0F0F0u);    // COLOR_BTNFACE
   EXPECT_EQ(Pixel(w, 119, 40), 0x696969u);  // COLOR_3DDKSHADOW
   EXPECT_EQ(Pixel(w, 118, 40), 0xA0A0A0u);  // COLOR_BTNSHADOW
   // The caption of the active window, 18 rows and a face-coloured line.
@@ -291,7 +291,7 @@ TEST_F(UserPaintTest, DCsFollowTheirWindowAndDieWithIt) {
 TEST_F(UserPaintTest, TheDesktopListsTopLevelWindowsTopFirstWithLayeredAttributes) {
   HWND a = Top(0, 0, 10, 10);
   HWND b = Top(5, 5, 10, 10, WS_POPUP | WS_VISIBLE, WS_EX_LAYERED);
-  Top(0, 0, 10, 10, WS_POPUP);  // hidden: not listed
+  Top(0, 0, 10, 10, WS_POPUP);                                     // hidden: not listed
   EXPECT_FALSE(SetLayeredWindowAttributes(a, 0, 128, LWA_ALPHA));  // not layered
   EXPECT_TRUE(SetLayeredWindowAttributes(b, RGB(255, 0, 255), 128, LWA_ALPHA | LWA_COLORKEY));
   EXPECT_FALSE(SetLayeredWindowAttributes(b, 0, 0, 0x10));

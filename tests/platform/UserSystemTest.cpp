@@ -15,11 +15,25 @@ TEST_F(UserSystemTest, MetricsOfAClassic96DpiDesktop) {
     int value;
   };
   const Case cases[] = {
-      {SM_CXSCREEN, 1280}, {SM_CYSCREEN, 800},    {SM_CXVSCROLL, 17},   {SM_CYHSCROLL, 17},
-      {SM_CYCAPTION, 19},  {SM_CXBORDER, 1},      {SM_CXDLGFRAME, 3},   {SM_CXICON, 32},
-      {SM_CYICON, 32},     {SM_CXFRAME, 4},       {SM_CXDOUBLECLK, 4},  {SM_CXEDGE, 2},
-      {SM_CXSMICON, 16},   {SM_CXFOCUSBORDER, 1}, {SM_CMONITORS, 1},    {SM_CXMENUCHECK, 13},
-      {SM_CYFULLSCREEN, 741}, {-1, 0},            {1000, 0},
+      {SM_CXSCREEN, 1280},
+      {SM_CYSCREEN, 800},
+      {SM_CXVSCROLL, 17},
+      {SM_CYHSCROLL, 17},
+      {SM_CYCAPTION, 19},
+      {SM_CXBORDER, 1},
+      {SM_CXDLGFRAME, 3},
+      {SM_CXICON, 32},
+      {SM_CYICON, 32},
+      {SM_CXFRAME, 4},
+      {SM_CXDOUBLECLK, 4},
+      {SM_CXEDGE, 2},
+      {SM_CXSMICON, 16},
+      {SM_CXFOCUSBORDER, 1},
+      {SM_CMONITORS, 1},
+      {SM_CXMENUCHECK, 13},
+      {SM_CYFULLSCREEN, 741},
+      {-1, 0},
+      {1000, 0},
   };
   for (const auto& c : cases) EXPECT_EQ(GetSystemMetrics(c.index), c.value) << c.index;
   // The platform's own numbers for the indexes.

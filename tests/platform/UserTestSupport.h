@@ -89,8 +89,7 @@ class UserTest : public ::testing::Test {
     Clock::SetManual(false);
   }
 
-  static HWND Top(int x, int y, int w, int h, DWORD style = WS_POPUP | WS_VISIBLE,
-                  DWORD ex = 0) {
+  static HWND Top(int x, int y, int w, int h, DWORD style = WS_POPUP | WS_VISIBLE, DWORD ex = 0) {
     return CreateWindowExW(ex, u"VantorTestWindow", u"top", style, x, y, w, h, nullptr, nullptr,
                            nullptr, nullptr);
   }

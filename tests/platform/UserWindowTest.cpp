@@ -13,9 +13,9 @@ using UserWindowTest = UserTest;
 TEST_F(UserWindowTest, CreationSendsTheMessagesInThePlatformsOrder) {
   HWND w = Top(10, 20, 200, 100, WS_POPUP);
   ASSERT_NE(w, nullptr);
-  EXPECT_EQ(L().Sequence({WM_GETMINMAXINFO, WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE,
-                          WM_MOVE}),
-            (std::vector<UINT>{WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE, WM_MOVE}));
+  EXPECT_EQ(
+      L().Sequence({WM_GETMINMAXINFO, WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE, WM_MOVE}),
+      (std::vector<UINT>{WM_NCCREATE, WM_NCCALCSIZE, WM_CREATE, WM_SIZE, WM_MOVE}));
   const auto size = L().Of(WM_SIZE);
   ASSERT_EQ(size.size(), 1u);
   EXPECT_EQ(size[0].lparam, MAKELPARAM(200, 100));
@@ -77,13 +77,13 @@ TEST_F(UserWindowTest, RefusedCreationLeavesNoWindow) {
 }
 
 TEST_F(UserWindowTest, BadCreationArgumentsFail) {
-  EXPECT_EQ(CreateWindowExW(0, u"NoSuchClass", u"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
-                            nullptr, nullptr),
-            nullptr);
-  EXPECT_EQ(GetLastError(), ERROR_CANNOT_FIND_WND_CLASS);
-  EXPECT_EQ(CreateWindowExW(0, nullptr, u"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,
+  EXPECT_EQ(CreateWindowExW(0, u"NoSuchClass", u"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr,
                             nullptr),
             nullptr);
+  EXPECT_EQ(GetLastError(), ERROR_CANNOT_FIND_WND_CLASS);
+  EXPECT_EQ(
+      CreateWindowExW(0, nullptr, u"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr),
+      nullptr);
   // A child needs a parent.
   EXPECT_EQ(Child(nullptr, 0, 0, 1, 1), nullptr);
   EXPECT_EQ(Child(reinterpret_cast<HWND>(intptr_t{0x123456}), 0, 0, 1, 1), nullptr);
@@ -160,9 +160,9 @@ TEST_F(UserWindowTest, DestroyGoesParentFirstForDestroyAndChildrenFirstForNcDest
   for (const auto& m : L().messages) {
     if (m.msg == WM_DESTROY || m.msg == WM_NCDESTROY) order.emplace_back(m.hwnd, m.msg);
   }
-  const std::vector<std::pair<HWND, UINT>> expected{
-      {p, WM_DESTROY},    {c, WM_DESTROY},    {g, WM_DESTROY},
-      {g, WM_NCDESTROY},  {c, WM_NCDESTROY},  {p, WM_NCDESTROY}};
+  const std::vector<std::pair<HWND, UINT>> expected{{p, WM_DESTROY},   {c, WM_DESTROY},
+                                                    {g, WM_DESTROY},   {g, WM_NCDESTROY},
+                                                    {c, WM_NCDESTROY}, {p, WM_NCDESTROY}};
   EXPECT_EQ(order, expected);
   EXPECT_FALSE(IsWindow(p));
   EXPECT_FALSE(IsWindow(c));
@@ -328,10 +328,9 @@ TEST_F(UserWindowTest, SetWindowPosReportsMovesAndSizesThroughDefWindowProc) {
   HWND w = Top(0, 0, 100, 100);
   Clear();
   SetWindowPos(w, nullptr, 5, 6, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-  EXPECT_EQ(L().Sequence({WM_WINDOWPOSCHANGING, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED, WM_MOVE,
-                          WM_SIZE}),
-            (std::vector<UINT>{WM_WINDOWPOSCHANGING, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED,
-                               WM_MOVE}));
+  EXPECT_EQ(
+      L().Sequence({WM_WINDOWPOSCHANGING, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED, WM_MOVE, WM_SIZE}),
+      (std::vector<UINT>{WM_WINDOWPOSCHANGING, WM_NCCALCSIZE, WM_WINDOWPOSCHANGED, WM_MOVE}));
   Clear();
   MoveWindow(w, 5, 6, 40, 30, TRUE);
   EXPECT_EQ(L().Sequence({WM_MOVE, WM_SIZE}), (std::vector<UINT>{WM_SIZE}));
