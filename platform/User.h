@@ -873,6 +873,9 @@ int GetWindowTextW(HWND hwnd, LPWSTR buffer, int max_count);
 int GetWindowTextA(HWND hwnd, LPSTR buffer, int max_count);
 int GetWindowTextLengthW(HWND hwnd);
 int GetWindowTextLengthA(HWND hwnd);
+// A procedure does not fit in 32 bits here: GWL_WNDPROC through the 32-bit
+// functions gives a handle value that CallWindowProc and SetWindowLong take
+// back, as the platform does for a procedure of the other text form.
 LONG GetWindowLongW(HWND hwnd, int index);
 LONG GetWindowLongA(HWND hwnd, int index);
 LONG SetWindowLongW(HWND hwnd, int index, LONG value);

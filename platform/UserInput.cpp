@@ -251,8 +251,9 @@ void UpdateTracking(HWND under, LRESULT hit, POINT p) {
     return;
   }
   if ((s.track_flags & TME_HOVER) != 0) {
-    const int half_w = GetSystemMetrics(SM_CXDOUBLECLK) / 2;
-    const int half_h = GetSystemMetrics(SM_CYDOUBLECLK) / 2;
+    // SPI_GETMOUSEHOVERWIDTH and HEIGHT: 4 pixels, centred on the anchor.
+    constexpr int half_w = 2;
+    constexpr int half_h = 2;
     if (std::abs(p.x - s.hover_anchor.x) > half_w || std::abs(p.y - s.hover_anchor.y) > half_h) {
       s.hover_anchor = p;
       s.hover_start = Clock::Now();

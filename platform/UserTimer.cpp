@@ -49,7 +49,6 @@ void KillWindowTimers(HWND hwnd) {
 bool NextDue(DWORD* due) {
   UserState& s = UserState::Get();
   bool any = false;
-  const DWORD now = Clock::Now();
   for (const auto& t : s.timers) {
     if (!any || static_cast<int32_t>(t.due - *due) < 0) *due = t.due;
     any = true;
@@ -59,7 +58,6 @@ bool NextDue(DWORD* due) {
     if (!any || static_cast<int32_t>(hover - *due) < 0) *due = hover;
     any = true;
   }
-  (void)now;
   return any;
 }
 
