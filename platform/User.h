@@ -855,6 +855,11 @@ HWND GetWindow(HWND hwnd, UINT cmd);
 HWND GetTopWindow(HWND hwnd);
 HWND GetAncestor(HWND hwnd, UINT flags);
 HWND GetDesktopWindow();
+typedef BOOL(CALLBACK* WNDENUMPROC)(HWND, LPARAM);
+// Top-level windows in z-order; the callback stops the walk with FALSE.
+BOOL EnumWindows(WNDENUMPROC proc, LPARAM lparam);
+// Every descendant, each child followed by its own children.
+BOOL EnumChildWindows(HWND parent, WNDENUMPROC proc, LPARAM lparam);
 HWND GetDlgItem(HWND parent, int id);
 int GetDlgCtrlID(HWND hwnd);
 BOOL ShowWindow(HWND hwnd, int cmd);

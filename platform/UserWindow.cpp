@@ -684,6 +684,40 @@ HWND GetDesktopWindow() {
   return Window::Desktop()->handle;
 }
 
+namespace {
+
+// The handles are taken first, so that the callback may create or destroy
+// windows; those destroyed on the way are skipped.
+void Collect(const Window& w, std::vector<HWND>* out) {
+  for (const auto& c : w.children) {
+    out->push_back(c->handle);
+    Collect(*c, out);
+  }
+}
+
+}  // namespace
+
+BOOL EnumWindows(WNDENUMPROC proc, LPARAM lparam) {
+  if (proc == nullptr) return FALSE;
+  std::vector<HWND> tops;
+  for (const auto& t : Window::Desktop()->children) tops.push_back(t->handle);
+  for (HWND h : tops) {
+    if (IsWindow(h) && !proc(h, lparam)) return FALSE;
+  }
+  return TRUE;
+}
+
+BOOL EnumChildWindows(HWND parent, WNDENUMPROC proc, LPARAM lparam) {
+  Window* w = parent == nullptr ? Window::Desktop() : Valid(parent);
+  if (w == nullptr || proc == nullptr) return FALSE;
+  std::vector<HWND> all;
+  Collect(*w, &all);
+  for (HWND h : all) {
+    if (IsWindow(h) && !proc(h, lparam)) return FALSE;
+  }
+  return TRUE;
+}
+
 HWND GetDlgItem(HWND parent, int id) {
   Window* w = Valid(parent);
   if (w == nullptr) return nullptr;
@@ -946,7 +980,9 @@ int MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count) {
 
 HWND WindowFromPoint(POINT point) {
   LRESULT hit = 0;
-  return vantor::platform::HitTestPoint(point, &hit, true);
+  const HWND found = vantor::platform::HitTestPoint(point, &hit, true);
+  // Where no window is, the desktop is.
+  return found != nullptr ? found : GetDesktopWindow();
 }
 
 HWND ChildWindowFromPoint(HWND parent, POINT point) {

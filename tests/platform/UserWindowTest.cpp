@@ -405,6 +405,39 @@ TEST_F(UserWindowTest, ParentOwnerAndAncestors) {
   EXPECT_FALSE(IsWindow(overlapped));
 }
 
+struct Collected {
+  std::vector<HWND> seen;
+  size_t limit = 100;
+};
+
+BOOL CALLBACK Collect(HWND h, LPARAM l) {
+  auto* out = reinterpret_cast<Collected*>(l);
+  out->seen.push_back(h);
+  return out->seen.size() < out->limit ? TRUE : FALSE;
+}
+
+TEST_F(UserWindowTest, EnumerationWalksTopLevelsAndDescendantsInOrder) {
+  HWND a = Top(0, 0, 10, 10);
+  HWND b = Top(0, 0, 10, 10);
+  HWND c1 = Child(a, 0, 0, 5, 5, 1);
+  HWND g = Child(c1, 0, 0, 5, 5, 2);
+  HWND c2 = Child(a, 0, 0, 5, 5, 3);
+  Collected tops;
+  EXPECT_TRUE(EnumWindows(Collect, reinterpret_cast<LPARAM>(&tops)));
+  EXPECT_EQ(tops.seen, (std::vector<HWND>{b, a}));
+  Collected all;
+  EXPECT_TRUE(EnumChildWindows(a, Collect, reinterpret_cast<LPARAM>(&all)));
+  EXPECT_EQ(all.seen, (std::vector<HWND>{c1, g, c2}));
+  HWND c3 = Child(a, 0, 0, 5, 5, 4);
+  Collected some;
+  some.limit = 3;
+  EXPECT_FALSE(EnumChildWindows(a, Collect, reinterpret_cast<LPARAM>(&some)));  // stopped
+  EXPECT_EQ(some.seen.size(), 3u);
+  EXPECT_NE(some.seen.back(), c3);
+  EXPECT_FALSE(EnumChildWindows(reinterpret_cast<HWND>(intptr_t{9}), Collect, 0));
+  EXPECT_FALSE(EnumWindows(nullptr, 0));
+}
+
 TEST_F(UserWindowTest, SetParentMovesAWindowBetweenParents) {
   HWND a = Top(0, 0, 100, 100);
   HWND b = Top(200, 0, 100, 100);
