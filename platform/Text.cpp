@@ -16,6 +16,7 @@ using vantor::platform::Font;
 using vantor::platform::GdiTable;
 using vantor::platform::Glyph;
 using vantor::platform::GlyphCache;
+using vantor::platform::TextLayout;
 
 namespace {
 
@@ -214,15 +215,8 @@ void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringVie
       const bool after_tab = i > 0 && text[i - 1] == u'\t' && paint.tab_width > 0;
       if (i == 0 || after_tab) pen = positions[i];
       placed_at[i] = pen;
-      const char16_t c = text[i];
-      if (c >= 0xDC00 && c <= 0xDFFF && i > 0 && text[i - 1] >= 0xD800 && text[i - 1] <= 0xDBFF) {
-        continue;
-      }
-      char32_t cp = c;
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-          text[i + 1] <= 0xDFFF) {
-        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      }
+      if (TextLayout::SecondHalf(text, i)) continue;
+      const char32_t cp = TextLayout::CodePointAt(text, i);
       if (cp != u'\t' || paint.tab_width <= 0) {
         pen = std::min<long long>(pen + glyphs->Get(cp).draw_advance, kFar);
       }
@@ -240,14 +234,8 @@ void PaintRun(DeviceContext& dc, Font& font, long long x, long long y, StringVie
     static std::vector<Placed> placed;
     placed.clear();
     for (size_t i = 0; i < text.size(); ++i) {
-      const char16_t c = text[i];
-      const bool high = c >= 0xD800 && c <= 0xDBFF;
-      const bool low = c >= 0xDC00 && c <= 0xDFFF;
-      if (low && i > 0 && text[i - 1] >= 0xD800 && text[i - 1] <= 0xDBFF) continue;
-      char32_t cp = c;
-      if (high && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF) {
-        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
-      }
+      if (TextLayout::SecondHalf(text, i)) continue;
+      const char32_t cp = TextLayout::CodePointAt(text, i);
       if (cp == u'\t' && paint.tab_width > 0) continue;
       const Glyph& glyph = glyphs->Get(cp);
       if (glyph.width > 0 && glyph.height > 0) {
@@ -384,16 +372,8 @@ BOOL GetTextExtentExPointW(HDC hdc, LPCWSTR text, int count, int max_extent, INT
   int fitted = 0;
   const StringView view(text == nullptr ? u"" : text, static_cast<size_t>(count));
   for (size_t i = 0; i < view.size(); ++i) {
-    const char16_t c = view[i];
-    const bool second_half =
-        i > 0 && c >= 0xDC00 && c <= 0xDFFF && view[i - 1] >= 0xD800 && view[i - 1] <= 0xDBFF;
-    if (!second_half && glyphs != nullptr) {
-      char32_t cp = c;
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < view.size() && view[i + 1] >= 0xDC00 &&
-          view[i + 1] <= 0xDFFF) {
-        cp = 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (view[i + 1] - 0xDC00);
-      }
-      pen = std::min<long long>(pen + glyphs->Advance(cp), 1LL << 30);
+    if (!TextLayout::SecondHalf(view, i) && glyphs != nullptr) {
+      pen = std::min<long long>(pen + glyphs->Advance(TextLayout::CodePointAt(view, i)), 1LL << 30);
     }
     if (max_extent >= 0 && pen <= max_extent && fitted == static_cast<int>(i)) fitted += 1;
     if (dx != nullptr) dx[i] = static_cast<INT>(pen);

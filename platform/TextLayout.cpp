@@ -18,8 +18,9 @@ bool IsLow(char16_t c) {
   return c >= 0xDC00 && c <= 0xDFFF;
 }
 
-// The code point starting at i; a lone surrogate stands for itself.
-char32_t CodePointAt(StringView text, size_t i) {
+}  // namespace
+
+char32_t TextLayout::CodePointAt(StringView text, size_t i) {
   const char16_t c = text[i];
   if (IsHigh(c) && i + 1 < text.size() && IsLow(text[i + 1])) {
     return 0x10000 + ((static_cast<char32_t>(c) - 0xD800) << 10) + (text[i + 1] - 0xDC00);
@@ -27,11 +28,9 @@ char32_t CodePointAt(StringView text, size_t i) {
   return c;
 }
 
-bool SecondHalf(StringView text, size_t i) {
+bool TextLayout::SecondHalf(StringView text, size_t i) {
   return i > 0 && i < text.size() && IsLow(text[i]) && IsHigh(text[i - 1]);
 }
-
-}  // namespace
 
 TextLayout::TextLayout(TextMeasure& measure, int line_height, int external_leading,
                        int average_width)

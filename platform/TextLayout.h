@@ -47,6 +47,12 @@ class TextLayout {
   TextLayoutResult Run(StringView text, const RECT& rect, UINT format,
                        const DRAWTEXTPARAMS* params);
 
+  // The code point whose first (or only) code unit is at i; a lone surrogate
+  // stands for itself.
+  static char32_t CodePointAt(StringView text, size_t i);
+  // True for the second code unit of a surrogate pair.
+  static bool SecondHalf(StringView text, size_t i);
+
   // The pen position after one more character, a tab jumping to its stop.
   int PenAfter(char32_t code_point, int pen, int tab_width);
   // Width of a run of characters; tabs expanded when tab_width > 0.
