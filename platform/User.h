@@ -463,7 +463,7 @@ inline LPSTR MAKEINTRESOURCEA(WORD id) {
 inline LPCWSTR MAKEINTATOM(ATOM atom) {
   return MAKEINTRESOURCEW(atom);
 }
-constexpr bool IS_INTRESOURCE(const void* p) {
+inline bool IS_INTRESOURCE(const void* p) {
   return (reinterpret_cast<uintptr_t>(p) >> 16) == 0;
 }
 inline LPCWSTR const IDC_ARROW = MAKEINTRESOURCEW(32512);
