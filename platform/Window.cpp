@@ -4,28 +4,18 @@
 #include <cstring>
 
 #include "platform/Desktop.h"
+#include "platform/HandleTable.h"
 
 namespace vantor::platform {
 
 namespace {
 
-// As with the GDI table: slot index above, generation in the low 16 bits, so
-// that a destroyed window's handle is never taken for a newer window.
-constexpr uintptr_t kGenerationBits = 16;
-constexpr uintptr_t kGenerationMask = (uintptr_t{1} << kGenerationBits) - 1;
 // A window's surface is at most this wide and high; windows larger than any
 // screen still work, their far parts are just not kept.
 constexpr int kMaxSurfaceSide = 4096;
 
-struct Slot {
-  std::shared_ptr<Window> window;
-  uintptr_t generation = 1;
-};
-
 struct Table {
-  std::vector<Slot> slots = std::vector<Slot>(1);
-  std::vector<size_t> free;
-  size_t live = 0;
+  HandleTable<Window> handles;
   std::shared_ptr<Window> desktop;
 };
 
@@ -34,15 +24,7 @@ Table& TheTable() {
   return table;
 }
 
-Slot* Find(HWND hwnd) {
-  const auto value = reinterpret_cast<uintptr_t>(hwnd);
-  const size_t index = value >> kGenerationBits;
-  Table& t = TheTable();
-  if (index == 0 || index >= t.slots.size()) return nullptr;
-  Slot& slot = t.slots[index];
-  if (!slot.window || slot.generation != (value & kGenerationMask)) return nullptr;
-  return &slot;
-}
+uintptr_t ValueOf(HWND hwnd) { return reinterpret_cast<uintptr_t>(hwnd); }
 
 // A window's shape on the screen: its rectangle cut by its own region.
 Region ScreenShape(const Window& w) {
@@ -197,43 +179,17 @@ RECT Window::DefaultClient(const RECT& window, DWORD style, DWORD ex_style) {
 }
 
 HWND Window::Add(std::shared_ptr<Window> window) {
-  Table& t = TheTable();
-  size_t index;
-  if (!t.free.empty()) {
-    index = t.free.back();
-    t.free.pop_back();
-  } else {
-    index = t.slots.size();
-    t.slots.emplace_back();
-  }
-  Slot& slot = t.slots[index];
-  slot.window = std::move(window);
-  ++t.live;
-  const auto hwnd = reinterpret_cast<HWND>((index << kGenerationBits) | slot.generation);
-  slot.window->handle = hwnd;
+  Window* w = window.get();
+  const auto hwnd = reinterpret_cast<HWND>(TheTable().handles.Add(std::move(window)));
+  if (w != nullptr) w->handle = hwnd;
   return hwnd;
 }
 
-Window* Window::Get(HWND hwnd) {
-  Slot* slot = Find(hwnd);
-  return slot ? slot->window.get() : nullptr;
-}
+Window* Window::Get(HWND hwnd) { return TheTable().handles.Get(ValueOf(hwnd)); }
 
-std::shared_ptr<Window> Window::Share(HWND hwnd) {
-  Slot* slot = Find(hwnd);
-  return slot ? slot->window : nullptr;
-}
+std::shared_ptr<Window> Window::Share(HWND hwnd) { return TheTable().handles.Share(ValueOf(hwnd)); }
 
-void Window::Remove(HWND hwnd) {
-  Slot* slot = Find(hwnd);
-  if (slot == nullptr) return;
-  slot->window.reset();
-  slot->generation = (slot->generation + 1) & kGenerationMask;
-  if (slot->generation == 0) slot->generation = 1;
-  Table& t = TheTable();
-  t.free.push_back(static_cast<size_t>(slot - t.slots.data()));
-  --t.live;
-}
+void Window::Remove(HWND hwnd) { TheTable().handles.Remove(ValueOf(hwnd)); }
 
 Window* Window::Desktop() {
   Table& t = TheTable();
@@ -248,8 +204,6 @@ Window* Window::Desktop() {
   return t.desktop.get();
 }
 
-size_t Window::Count() {
-  return TheTable().live;
-}
+size_t Window::Count() { return TheTable().handles.Count(); }
 
 }  // namespace vantor::platform
