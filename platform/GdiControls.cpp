@@ -2,10 +2,12 @@
 // buttons and check boxes in the colours of the system scheme. No visual
 // style is ever active, so controls take these paths.
 #include <algorithm>
+#include <vector>
 
 #include "platform/DeviceContext.h"
 #include "platform/Gdi.h"
 #include "platform/Raster.h"
+#include "platform/Shapes.h"
 
 using vantor::platform::ColorToPixel;
 using vantor::platform::DcFromHandle;
@@ -114,17 +116,37 @@ BOOL DrawFocusRect(HDC dc, const RECT* rect) {
   if (d == nullptr || rect == nullptr) return FALSE;
   const RECT s = d->SurfaceRect(*rect);
   if (s.right <= s.left || s.bottom <= s.top) return TRUE;
-  Region ring(s);
-  ring.Subtract(RECT{s.left + 1, s.top + 1, s.right - 1, s.bottom - 1});
+  // The platform draws it as a rectangle outlined by an alternate-dot pen
+  // through XOR: the path starts at the top-right pixel with a dot and goes
+  // anticlockwise, the dots counted along it. A rectangle one pixel wide or
+  // high is walked down and back up again, so most of its dots cancel; a
+  // pixel is inverted when the walk dots it an odd number of times.
+  const LONG l = s.left, t = s.top, r = s.right - 1, b = s.bottom - 1;
+  const POINT corners[5] = {{r, t}, {l, t}, {l, b}, {r, b}, {r, t}};
+  std::vector<RECT> dots;
+  size_t position = 0;
+  for (int i = 0; i < 4; ++i) {
+    for (const POINT& p : vantor::platform::LinePixels(corners[i].x, corners[i].y, corners[i + 1].x,
+                                                       corners[i + 1].y)) {
+      if (position++ % 2 == 0) dots.push_back(RECT{p.x, p.y, p.x + 1, p.y + 1});
+    }
+  }
+  std::sort(dots.begin(), dots.end(), [](const RECT& a, const RECT& c) {
+    return a.top != c.top ? a.top < c.top : a.left < c.left;
+  });
+  std::vector<RECT> odd;
+  for (size_t i = 0; i < dots.size();) {
+    size_t j = i;
+    while (j < dots.size() && dots[j].left == dots[i].left && dots[j].top == dots[i].top) ++j;
+    if ((j - i) % 2 == 1) odd.push_back(dots[i]);
+    i = j;
+  }
+  Region ring = Region::FromRects(odd.data(), odd.size());
   ring.Intersect(d->Clip());
-  // Every other pixel is inverted, in a checkerboard aligned on the device
-  // origin, so drawing the same rectangle again takes it away.
-  const vantor::platform::Surface& t = d->Target();
-  for (const RECT& r : ring.Rects()) {
-    for (LONG y = r.top; y < r.bottom; ++y) {
-      for (LONG x = r.left; x < r.right; ++x) {
-        if ((((x - d->origin.x) + (y - d->origin.y)) & 1) != 0) t.At(x, y) ^= 0x00FFFFFFu;
-      }
+  const vantor::platform::Surface& target = d->Target();
+  for (const RECT& box : ring.Rects()) {
+    for (LONG y = box.top; y < box.bottom; ++y) {
+      for (LONG x = box.left; x < box.right; ++x) target.At(x, y) ^= 0x00FFFFFFu;
     }
   }
   return TRUE;

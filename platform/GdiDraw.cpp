@@ -1,6 +1,10 @@
 // Lines, figures, area fills and single pixels.
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
+#include <vector>
 
 #include "platform/Brush.h"
 #include "platform/DeviceContext.h"
@@ -70,32 +74,115 @@ const std::vector<int>* DashPattern(int style) {
   }
 }
 
-// Pixels of a wide pen's stroke: a round nib of the pen's width at every
-// pixel of the path, both ends included.
-Region WideStroke(const std::vector<POINT>& path, int width) {
+// The nib a wide pen puts at the ends and joins of its lines: the pixels of
+// an elliptic region of the pen's width, centred on the point with the odd
+// pixel of an even width up and left.
+std::vector<RECT> Nib(int width) {
   std::vector<RECT> nib;
-  const int lo = width / 2;
-  const int64_t odd = width & 1;
-  for (int dy = -lo; dy < width - lo; ++dy) {
-    int first = 1, last = 0;
-    for (int dx = -lo; dx < width - lo; ++dx) {
-      const int64_t ex = 2 * dx + 1 - odd, ey = 2 * dy + 1 - odd;
-      // A disc a little inside the pen's width: three pixels make a plus.
-      if (ex * ex + ey * ey < int64_t{width} * width - 1) {
-        if (first > last) first = dx;
-        last = dx;
+  const LONG lo = width / 2;
+  const std::vector<Span> rows = vantor::platform::RoundRectSpans(width, width, width, width);
+  for (size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].left >= rows[i].right) continue;
+    const LONG y = static_cast<LONG>(i) - lo;
+    nib.push_back(RECT{rows[i].left - lo, y, rows[i].right - lo, y + 1});
+  }
+  return nib;
+}
+
+void AddNib(std::vector<RECT>& rects, const std::vector<RECT>& nib, POINT p) {
+  for (const RECT& n : nib) {
+    rects.push_back(RECT{p.x + n.left, p.y + n.top, p.x + n.right, p.y + n.bottom});
+  }
+}
+
+LONG RoundHalfUp(double v) {
+  return static_cast<LONG>(std::floor(v + 0.5));
+}
+
+// The body of one wide segment, without its ends. Level and upright ones are
+// rectangles of the pen's width; slanted ones are four-sided polygons whose
+// corners lie the pen's half width either side of the ends, rounded to whole
+// pixels, the larger half on the right.
+void AddSegmentBody(Region& out, std::vector<RECT>& rects, POINT a, POINT b, int width) {
+  const int64_t dx = int64_t{b.x} - a.x, dy = int64_t{b.y} - a.y;
+  if (dx == 0 && dy == 0) return;
+  if (dy == 0) {
+    const LONG top = a.y - width / 2;
+    rects.push_back(RECT{std::min(a.x, b.x), top, std::max(a.x, b.x), top + width});
+    return;
+  }
+  if (dx == 0) {
+    const LONG left = a.x - width / 2;
+    rects.push_back(RECT{left, std::min(a.y, b.y), left + width, std::max(a.y, b.y)});
+    return;
+  }
+  const double length = std::hypot(static_cast<double>(dx), static_cast<double>(dy));
+  const double across_x = width * static_cast<double>(std::llabs(dy)) / length;
+  const double across_y = width * static_cast<double>(std::llabs(dx)) / length;
+  const LONG narrow_x = RoundHalfUp(across_x / 2), narrow_y = RoundHalfUp(across_y / 2);
+  const LONG wide_x = RoundHalfUp((across_x + 1) / 2), wide_y = RoundHalfUp((across_y + 1) / 2);
+  // Perpendicular to the segment, the right-hand side rises when the segment
+  // runs down-right or up-left, and falls otherwise.
+  const LONG rise = (dx > 0) == (dy > 0) ? -1 : 1;
+  const POINT wide{wide_x, rise * wide_y}, narrow{-narrow_x, -rise * narrow_y};
+  const POINT corners[4] = {POINT{a.x + narrow.x, a.y + narrow.y},
+                            POINT{a.x + wide.x, a.y + wide.y}, POINT{b.x + wide.x, b.y + wide.y},
+                            POINT{b.x + narrow.x, b.y + narrow.y}};
+  out.Union(vantor::platform::PolygonRegion(corners, 4, ALTERNATE));
+}
+
+// Pixels of a wide solid pen along a path: the body of every segment and a
+// round nib at every point, so its ends and joins are round. Empty segments
+// at either end of a longer path are dropped; a lone point still leaves its
+// nib.
+Region WideStroke(std::vector<POINT> path, bool closed, int width) {
+  while (path.size() > 2 && path[0].x == path[1].x && path[0].y == path[1].y) {
+    path.erase(path.begin());
+  }
+  while (path.size() > 2 && path[path.size() - 1].x == path[path.size() - 2].x &&
+         path[path.size() - 1].y == path[path.size() - 2].y) {
+    path.pop_back();
+  }
+  Region out;
+  if (path.empty()) return out;
+  const std::vector<RECT> nib = Nib(width);
+  std::vector<RECT> rects;
+  for (size_t i = 0; i < path.size(); ++i) {
+    AddNib(rects, nib, path[i]);
+    if (i + 1 < path.size()) {
+      AddSegmentBody(out, rects, path[i], path[i + 1], width);
+    } else if (closed) {
+      AddSegmentBody(out, rects, path[i], path[0], width);
+    }
+  }
+  out.Union(Region::FromRects(rects.data(), rects.size()));
+  return out;
+}
+
+// A wide pen around the one-pixel outline of a rounded figure: the nib at
+// every outline pixel, and the slanted body between diagonal neighbours that
+// the outline steps between directly (no pixel of it touches both).
+Region WideOutline(const Region& ring, int width) {
+  std::vector<POINT> pixels;
+  for (const RECT& r : ring.Rects()) {
+    for (LONG py = r.top; py < r.bottom; ++py) {
+      for (LONG px = r.left; px < r.right; ++px) pixels.push_back(POINT{px, py});
+    }
+  }
+  const std::vector<RECT> nib = Nib(width);
+  std::vector<RECT> rects;
+  Region out;
+  for (const POINT& p : pixels) {
+    AddNib(rects, nib, p);
+    for (const LONG step : {-1, 1}) {
+      const POINT q{p.x + step, p.y + 1};
+      if (ring.Contains(q.x, q.y) && !ring.Contains(q.x, p.y) && !ring.Contains(p.x, q.y)) {
+        AddSegmentBody(out, rects, p, q, width);
       }
     }
-    if (first <= last) nib.push_back(RECT{first, dy, last + 1, dy + 1});
   }
-  std::vector<RECT> rects;
-  rects.reserve(path.size() * nib.size());
-  for (const POINT& p : path) {
-    for (const RECT& n : nib) {
-      rects.push_back(RECT{p.x + n.left, p.y + n.top, p.x + n.right, p.y + n.bottom});
-    }
-  }
-  return Region::FromRects(rects.data(), rects.size());
+  out.Union(Region::FromRects(rects.data(), rects.size()));
+  return out;
 }
 
 Region PixelsRegion(const std::vector<POINT>& pixels) {
@@ -110,13 +197,6 @@ Region PixelsRegion(const std::vector<POINT>& pixels) {
 void StrokeSegment(DeviceContext& dc, const Pen& pen, POINT a, POINT b, size_t* dash_pos) {
   const int rop2 = dc.state.rop2;
   const uint32_t color = ColorToPixel(pen.log.lopnColor);
-  if (pen.Width() > 1) {
-    std::vector<POINT> path = vantor::platform::LinePixels(a.x, a.y, b.x, b.y);
-    path.push_back(b);
-    vantor::platform::PaintSurfaceRegion(dc, WideStroke(path, std::min(pen.Width(), kMaxPenWidth)),
-                                         color, rop2);
-    return;
-  }
   const std::vector<POINT> pixels = vantor::platform::LinePixels(a.x, a.y, b.x, b.y);
   const std::vector<int>* dash = DashPattern(pen.Style());
   if (dash == nullptr) {
@@ -149,6 +229,15 @@ POINT ToSurface(const DeviceContext& dc, POINT p) {
 void StrokePath(DeviceContext& dc, const POINT* points, size_t count, bool closed) {
   Pen* pen = CurrentPen(dc);
   if (!DrawsOutline(pen) || count < 2) return;
+  if (pen->Width() > 1) {
+    // The whole path is one region, so joins are painted once.
+    std::vector<POINT> path(count);
+    for (size_t i = 0; i < count; ++i) path[i] = ToSurface(dc, points[i]);
+    vantor::platform::PaintSurfaceRegion(
+        dc, WideStroke(std::move(path), closed, std::min(pen->Width(), kMaxPenWidth)),
+        ColorToPixel(pen->log.lopnColor), dc.state.rop2);
+    return;
+  }
   size_t dash = 0;
   for (size_t i = 0; i + 1 < count; ++i) {
     StrokeSegment(dc, *pen, ToSurface(dc, points[i]), ToSurface(dc, points[i + 1]), &dash);
@@ -184,16 +273,7 @@ void DrawRounded(DeviceContext& dc, Box b, LONG corner_w, LONG corner_h) {
     return;
   }
   Region ring = vantor::platform::OutlineOf(spans, x, y);
-  if (pen->Width() > 1) {
-    // A wide pen paints a nib along the outline.
-    std::vector<POINT> path;
-    for (const RECT& r : ring.Rects()) {
-      for (LONG py = r.top; py < r.bottom; ++py) {
-        for (LONG px = r.left; px < r.right; ++px) path.push_back(POINT{px, py});
-      }
-    }
-    ring = WideStroke(path, std::min(pen->Width(), kMaxPenWidth));
-  }
+  if (pen->Width() > 1) ring = WideOutline(ring, std::min(pen->Width(), kMaxPenWidth));
   inside.Subtract(ring);
   vantor::platform::BrushSurfaceRegion(dc, inside, brush, dc.state.rop2);
   vantor::platform::PaintSurfaceRegion(dc, ring, ColorToPixel(pen->log.lopnColor), dc.state.rop2);
@@ -274,13 +354,7 @@ BOOL Rectangle(HDC dc, int left, int top, int right, int bottom) {
     // Wide pens join round: the nib travels the one-pixel outline.
     Region path(s);
     path.Subtract(RECT{s.left + 1, s.top + 1, s.right - 1, s.bottom - 1});
-    std::vector<POINT> pixels;
-    for (const RECT& r : path.Rects()) {
-      for (LONG py = r.top; py < r.bottom; ++py) {
-        for (LONG px = r.left; px < r.right; ++px) pixels.push_back(POINT{px, py});
-      }
-    }
-    ring = WideStroke(pixels, static_cast<int>(w));
+    ring = WideOutline(path, static_cast<int>(w));
     ring.Subtract(hole);
   }
   vantor::platform::BrushSurfaceRegion(*d, hole, brush, d->state.rop2);

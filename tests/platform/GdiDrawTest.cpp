@@ -336,6 +336,70 @@ TEST(GdiDraw, FocusRectIsADottedInversionThatUndoesItself) {
   EXPECT_EQ(c.Art(0x00808080), Canvas(8, 6, 0x00808080).Art(0x00808080));
 }
 
+TEST(GdiDraw, FocusRectOnePixelThinIsWalkedThereAndBack) {
+  // The dotted path runs anticlockwise from the top-right pixel; a thin
+  // rectangle is walked out and back, and only the dots met once remain:
+  // here both ends of the five-pixel column, the ends of the row.
+  Canvas c(8, 8, 0x00808080);
+  RECT tall{1, 2, 2, 7};
+  EXPECT_TRUE(DrawFocusRect(c.dc(), &tall));
+  RECT wide{3, 1, 8, 2};
+  EXPECT_TRUE(DrawFocusRect(c.dc(), &wide));
+  EXPECT_EQ(c.Art(0x00808080),
+            "........\n"
+            "...#...#\n"
+            ".#......\n"
+            "........\n"
+            "........\n"
+            "........\n"
+            ".#......\n"
+            "........\n");
+}
+
+TEST(GdiDraw, WidePenLinesEndAndJoinRound) {
+  Canvas c(12, 8);
+  HPEN two = CreatePen(PS_SOLID, 2, RGB(0, 0, 0));
+  HGDIOBJ old = SelectObject(c.dc(), two);
+  MoveToEx(c.dc(), 2, 2, nullptr);
+  LineTo(c.dc(), 3, 2);  // the body's one column and a 2x2 nib at each end
+  MoveToEx(c.dc(), 7, 2, nullptr);
+  LineTo(c.dc(), 7, 2);  // an empty line still leaves its nib
+  HPEN three = CreatePen(PS_SOLID, 3, RGB(0, 0, 0));
+  SelectObject(c.dc(), three);
+  MoveToEx(c.dc(), 10, 5, nullptr);
+  LineTo(c.dc(), 10, 5);  // a plus
+  SelectObject(c.dc(), old);
+  DeleteObject(two);
+  DeleteObject(three);
+  EXPECT_EQ(c.Art(),
+            "............\n"
+            ".###..##....\n"
+            ".###..##....\n"
+            "............\n"
+            "..........#.\n"
+            ".........###\n"
+            "..........#.\n"
+            "............\n");
+}
+
+TEST(GdiDraw, WidePolylineThroughXorPaintsItsJoinsOnce) {
+  Canvas c(10, 10, 0x00123456);
+  SetROP2(c.dc(), R2_XORPEN);
+  HPEN p = CreatePen(PS_SOLID, 3, RGB(255, 255, 255));
+  HGDIOBJ old = SelectObject(c.dc(), p);
+  const POINT corner[] = {{2, 2}, {7, 2}, {7, 7}};
+  Polyline(c.dc(), corner, 3);
+  EXPECT_EQ(c.At(7, 2), 0x00EDCBA9u);  // the join, inverted once
+  EXPECT_EQ(c.At(8, 2), 0x00EDCBA9u);  // its round nib
+  EXPECT_EQ(c.At(8, 1), 0x00123456u);  // but no square corner
+  EXPECT_EQ(c.At(1, 2), 0x00EDCBA9u);  // the round start
+  EXPECT_EQ(c.At(1, 1), 0x00123456u);
+  Polyline(c.dc(), corner, 3);
+  EXPECT_EQ(c.Art(0x00123456), Canvas(10, 10, 0x00123456).Art(0x00123456));
+  SelectObject(c.dc(), old);
+  DeleteObject(p);
+}
+
 TEST(GdiDraw, FrameControlCheckBoxAndPushButton) {
   Canvas c(13, 13, 0);
   RECT r{0, 0, 13, 13};
