@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "runtime/Conversion.h"
+#include "tools/vantor/DemoWindow.h"
 #include "runtime/DateTime.h"
 #include "runtime/Error.h"
 #include "runtime/Format.h"
@@ -36,7 +37,8 @@ int Usage() {
       "  smoke                   run a short check of the run time and print what it does\n"
       "  format VALUE PATTERN    Format(VALUE, PATTERN)\n"
       "  like TEXT PATTERN       TEXT Like PATTERN\n"
-      "  cstr VALUE              CStr of the value as read\n");
+      "  cstr VALUE              CStr of the value as read\n"
+      "  screenshot FILE.png     draw a small window, click its button, save the picture\n");
   return 2;
 }
 
@@ -99,6 +101,14 @@ int main(int argc, char** argv) {
     const bool r = Like(FromUtf8(args[1]), FromUtf8(args[2]));
     Print(CStr(r));
     return Err() ? 1 : 0;
+  }
+  if (cmd == "screenshot" && args.size() == 2) {
+    if (!vantor::tools::SaveDemoScreenshot(args[1])) {
+      std::fprintf(stderr, "vantor: cannot write %s\n", args[1]);
+      return 1;
+    }
+    std::printf("saved %s\n", args[1]);
+    return 0;
   }
   if (cmd == "cstr" && args.size() == 2) {
     Print(CStr(ValueOf(args[1])));
