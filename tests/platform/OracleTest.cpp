@@ -4,16 +4,12 @@
 // measure the same (extents, metrics, DT_CALCRECT rectangles and heights)
 // and its pixels may differ a little, since two rasterisers hint glyph edges
 // differently.
-//
-// Functions are referenced weakly here, so that this test links (and skips
-// the scenes that need them) while parts of the platform are still missing.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -22,36 +18,6 @@
 #include "platform/PngFile.h"
 #include "tests/oracle/Scenes.h"
 #include "tests/platform/GoldenPng.h"
-
-// Functions the library is known to have: referenced strongly, which also
-// makes the linker take their files from the static library.
-// clang-format off
-#define ORACLE_LINKED(X) \
-  X(AlphaBlend) X(BitBlt) X(CombineRgn) X(CreateCompatibleDC) X(CreateDIBSection) \
-  X(CreateEllipticRgn) X(CreatePen) X(CreatePolygonRgn) X(CreateRectRgn) X(CreateRoundRectRgn) \
-  X(CreateSolidBrush) X(DeleteDC) X(DeleteObject) X(Ellipse) X(EqualRgn) X(ExcludeClipRect) \
-  X(ExtSelectClipRgn) X(FillRect) X(FillRgn) X(FrameRect) X(FrameRgn) X(GetClipBox) X(GetPixel) \
-  X(GetRgnBox) X(GetStockObject) X(GetStretchBltMode) X(GradientFill) X(IntersectClipRect) \
-  X(InvertRect) X(LineTo) X(MoveToEx) X(OffsetRgn) X(PatBlt) X(Polygon) X(Polyline) \
-  X(PtInRegion) X(Rectangle) X(RoundRect) X(SelectClipRgn) X(SelectObject) X(SetBkColor) \
-  X(SetBkMode) X(SetPixel) X(SetPixelV) X(SetROP2) X(SetStretchBltMode) X(SetTextColor) \
-  X(StretchBlt) X(StretchDIBits) X(TransparentBlt)
-// clang-format on
-
-// Functions still being written: referenced weakly, a null address means
-// absent. Move a name up once it is in the library.
-// clang-format off
-#define ORACLE_PENDING(X) \
-  X(CreateFontIndirectW) X(DrawFocusRect) X(DrawFrameControl) X(DrawTextW) X(ExtTextOutW) \
-  X(GetSysColor) X(GetTextExtentPoint32W) X(GetTextMetricsW) X(TextOutW)
-// clang-format on
-
-#define ORACLE_WEAK(name) decltype(name) name __attribute__((weak));
-ORACLE_PENDING(ORACLE_WEAK)
-#undef ORACLE_WEAK
-
-// The scenes are compiled into this file so that their calls are the weak ones.
-#include "tests/oracle/Scenes.cpp"
 
 namespace oracle {
 // Test names and failure messages show the scene by its name.
@@ -62,58 +28,6 @@ void PrintTo(const Scene& scene, std::ostream* out) {
 
 namespace vantor::platform {
 namespace {
-
-const std::map<std::string, bool>& Available() {
-#define ORACLE_PRESENT(name) {#name, &name != nullptr},
-#define ORACLE_ANCHOR(name) {#name, reinterpret_cast<void (*)()>(&name) != anchor_sink},
-  static void (*volatile anchor_sink)() = nullptr;
-  static const std::map<std::string, bool> present = {ORACLE_PENDING(ORACLE_PRESENT)
-                                                          ORACLE_LINKED(ORACLE_ANCHOR)};
-#undef ORACLE_ANCHOR
-#undef ORACLE_PRESENT
-  return present;
-}
-
-// What every scene needs (the DIB section, the white background, cleanup),
-// and what each one needs besides.
-const char* const kHarness =
-    "CreateCompatibleDC CreateDIBSection SelectObject DeleteDC DeleteObject CreateSolidBrush "
-    "FillRect";
-const std::map<std::string, std::string>& Needs() {
-  static const std::map<std::string, std::string> needs = {
-      {"lines_w1", "CreatePen MoveToEx LineTo Polyline"},
-      {"lines_w2", "CreatePen MoveToEx LineTo Polyline"},
-      {"lines_w3", "CreatePen MoveToEx LineTo Polyline"},
-      {"lines_rop2", "CreatePen MoveToEx LineTo SetROP2"},
-      {"rectangles", "CreatePen Rectangle GetStockObject FrameRect InvertRect GetSysColor"},
-      {"roundrects", "CreatePen RoundRect GetStockObject"},
-      {"ellipses", "CreatePen Ellipse GetStockObject"},
-      {"polygons", "Polygon GetStockObject"},
-      {"region_kinds",
-       "CreateRectRgn CreateRoundRectRgn CreateEllipticRgn CreatePolygonRgn FillRgn FrameRgn "
-       "GetRgnBox PtInRegion"},
-      {"region_combine", "CreateRectRgn CreateEllipticRgn CombineRgn FillRgn OffsetRgn EqualRgn"},
-      {"clip_region",
-       "CreatePen CreateRoundRectRgn CreateEllipticRgn SelectClipRgn MoveToEx LineTo GetClipBox "
-       "IntersectClipRect ExcludeClipRect ExtSelectClipRgn"},
-      {"focus_rects", "DrawFocusRect"},
-      {"gradient_h", "GradientFill"},
-      {"gradient_v", "GradientFill"},
-      {"stretch_coloroncolor", "SetStretchBltMode GetStretchBltMode StretchDIBits StretchBlt"},
-      {"stretch_halftone", "SetStretchBltMode GetStretchBltMode StretchDIBits StretchBlt"},
-      {"alpha_constant", "AlphaBlend"},
-      {"alpha_perpixel", "AlphaBlend"},
-      {"transparent_blt", "TransparentBlt"},
-      {"bitblt_rops", "BitBlt PatBlt"},
-      {"pixels", "SetPixel SetPixelV GetPixel"},
-      {"frame_controls", "DrawFrameControl GetSysColor"},
-      {"system_colors", "GetSysColor"},
-  };
-  return needs;
-}
-const char* const kTextNeeds =
-    "CreateFontIndirectW GetTextMetricsW GetTextExtentPoint32W TextOutW DrawTextW ExtTextOutW "
-    "SetBkMode SetBkColor SetTextColor FrameRect";
 
 // Scenes whose differences from Windows are known and not yet resolved: they
 // are reported as skipped with the reason, and run for real with
@@ -160,20 +74,6 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-std::vector<std::string> Missing(const oracle::Scene& scene) {
-  std::string needs = kHarness;
-  needs += ' ';
-  auto it = Needs().find(scene.name);
-  needs += scene.text ? kTextNeeds : (it != Needs().end() ? it->second : "");
-  std::vector<std::string> missing;
-  std::stringstream s(needs);
-  for (std::string name; s >> name;) {
-    auto f = Available().find(name);
-    if (f == Available().end() || !f->second) missing.push_back(name);
-  }
-  return missing;
-}
-
 // Ours, beside a note of where it went, for looking at a difference.
 std::string SaveOurs(const oracle::Scene& scene, std::vector<uint32_t>& pixels,
                      const std::string& notes) {
@@ -193,12 +93,6 @@ class Oracle : public ::testing::TestWithParam<oracle::Scene> {};
 
 TEST_P(Oracle, MatchesWindows) {
   const oracle::Scene& scene = GetParam();
-  const std::vector<std::string> missing = Missing(scene);
-  if (!missing.empty()) {
-    std::string list;
-    for (const std::string& m : missing) list += " " + m;
-    GTEST_SKIP() << "not implemented yet (or linked by no other test):" << list;
-  }
   auto known = KnownDifferences().find(scene.name);
   const char* strict = std::getenv("VANTOR_ORACLE_STRICT");
   if (known != KnownDifferences().end() && (strict == nullptr || *strict != '1')) {
