@@ -12,6 +12,20 @@ namespace vantor::platform {
 template <class T>
 class HandleTable {
  public:
+  HandleTable() = default;
+  HandleTable(const HandleTable&) = delete;
+  HandleTable& operator=(const HandleTable&) = delete;
+  // At exit the objects still alive go while the table is whole and already
+  // empty, so one that looks up another as it dies (a DC releasing its pen)
+  // finds nothing instead of a half-destroyed neighbour.
+  ~HandleTable() {
+    std::vector<std::shared_ptr<T>> doomed;
+    for (Slot& slot : slots_) {
+      if (slot.object) doomed.push_back(std::move(slot.object));
+    }
+    doomed.clear();
+  }
+
   uintptr_t Add(std::shared_ptr<T> object) {
     if (!object) return 0;
     size_t index;
