@@ -19,10 +19,11 @@ int g_clicks = 0;
 
 void Fill(HDC dc, const RECT& r, COLORREF top, COLORREF bottom) {
   TRIVERTEX v[2] = {
-      {r.left, r.top, static_cast<COLOR16>(GetRValue(top) << 8), static_cast<COLOR16>(GetGValue(top) << 8),
-       static_cast<COLOR16>(GetBValue(top) << 8), 0},
+      {r.left, r.top, static_cast<COLOR16>(GetRValue(top) << 8),
+       static_cast<COLOR16>(GetGValue(top) << 8), static_cast<COLOR16>(GetBValue(top) << 8), 0},
       {r.right, r.bottom, static_cast<COLOR16>(GetRValue(bottom) << 8),
-       static_cast<COLOR16>(GetGValue(bottom) << 8), static_cast<COLOR16>(GetBValue(bottom) << 8), 0}};
+       static_cast<COLOR16>(GetGValue(bottom) << 8), static_cast<COLOR16>(GetBValue(bottom) << 8),
+       0}};
   GRADIENT_RECT g{0, 1};
   GradientFill(dc, v, 2, &g, 1, GRADIENT_FILL_RECT_V);
 }
@@ -63,7 +64,8 @@ void Paint(HWND hwnd) {
   }
 
   // A button in the library's look: a soft gradient inside a rounded border.
-  HRGN shape = CreateRoundRectRgn(kButton.left, kButton.top, kButton.right + 1, kButton.bottom + 1, 3, 3);
+  HRGN shape =
+      CreateRoundRectRgn(kButton.left, kButton.top, kButton.right + 1, kButton.bottom + 1, 3, 3);
   SelectClipRgn(dc, shape);
   Fill(dc, kButton, g_clicks ? RGB(255, 232, 166) : RGB(250, 250, 250),
        g_clicks ? RGB(255, 200, 80) : RGB(220, 228, 238));

@@ -7,19 +7,21 @@
 #include <vector>
 
 #include "runtime/Conversion.h"
-#include "tools/vantor/DemoWindow.h"
 #include "runtime/DateTime.h"
 #include "runtime/Error.h"
 #include "runtime/Format.h"
 #include "runtime/Like.h"
 #include "runtime/Locale.h"
 #include "runtime/Strings.h"
+#include "tools/vantor/DemoWindow.h"
 
 using namespace vantor;
 
 namespace {
 
-void Print(StringView s) { std::printf("%s\n", ToUtf8(s).c_str()); }
+void Print(StringView s) {
+  std::printf("%s\n", ToUtf8(s).c_str());
+}
 
 // A value from the command line: a number if the locale reads it as one, a
 // date if it reads as a date, text otherwise.
@@ -70,7 +72,12 @@ int Smoke() {
   for (const auto& c : checks) {
     const bool ok = c.got == c.want;
     failed += ok ? 0 : 1;
-    std::printf("  %-36s %-20s %s\n", c.what, ToUtf8(c.got).c_str(), ok ? "ok" : "UNEXPECTED");
+    // Pad by characters, not bytes, so accented results keep the columns.
+    String what = FromUtf8(c.what), got = c.got;
+    if (what.size() < 36) what.append(36 - what.size(), u' ');
+    if (got.size() < 20) got.append(20 - got.size(), u' ');
+    std::printf("  %s %s %s\n", ToUtf8(what).c_str(), ToUtf8(got).c_str(),
+                ok ? "ok" : "UNEXPECTED");
   }
   std::printf("Today is %s.\n", ToUtf8(Format(Variant(Today()), u"dddddd")).c_str());
   std::printf("%zu passed, %d failed\n", checks.size() - failed, failed);
