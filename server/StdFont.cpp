@@ -3,23 +3,9 @@
 #include <algorithm>
 
 #include "runtime/Error.h"
+#include "server/MulDiv.h"
 
 namespace vantor::server {
-
-namespace {
-
-// The platform's MulDiv: a 64-bit product, rounded half away from zero.
-int64_t MulDiv64(int64_t a, int64_t b, int64_t c) {
-  if (c == 0) return -1;
-  const bool negative = ((a < 0) != (b < 0)) != (c < 0);
-  const uint64_t ua = static_cast<uint64_t>(a < 0 ? -a : a);
-  const uint64_t ub = static_cast<uint64_t>(b < 0 ? -b : b);
-  const uint64_t uc = static_cast<uint64_t>(c < 0 ? -c : c);
-  const uint64_t q = (ua * ub + uc / 2) / uc;
-  return negative ? -static_cast<int64_t>(q) : static_cast<int64_t>(q);
-}
-
-}  // namespace
 
 StdFont::StdFont() : name_(u"MS Sans Serif"), size_(Currency::FromRaw(82500)) {}
 
@@ -59,7 +45,7 @@ bool StdFont::operator==(const StdFont& o) const {
 
 int32_t StdFont::HeightForSize(Currency size, int dpi) {
   // Points are 1/72 inch and the size counts ten-thousandths of a point.
-  const int64_t h = MulDiv64(size.Raw(), dpi, 72 * Currency::kScale);
+  const int64_t h = MulDivRound(size.Raw(), dpi, 72 * Currency::kScale);
   return static_cast<int32_t>(-std::clamp<int64_t>(h, -0x7FFFFFFF, 0x7FFFFFFF));
 }
 

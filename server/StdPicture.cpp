@@ -3,19 +3,11 @@
 #include <cstring>
 
 #include "runtime/Error.h"
+#include "server/MulDiv.h"
 
 namespace vantor::server {
 
 namespace {
-
-int64_t RoundedMulDiv(int64_t a, int64_t b, int64_t c) {
-  const bool negative = ((a < 0) != (b < 0)) != (c < 0);
-  const uint64_t ua = static_cast<uint64_t>(a < 0 ? -a : a);
-  const uint64_t ub = static_cast<uint64_t>(b < 0 ? -b : b);
-  const uint64_t uc = static_cast<uint64_t>(c < 0 ? -c : c);
-  const uint64_t q = (ua * ub + uc / 2) / uc;
-  return negative ? -static_cast<int64_t>(q) : static_cast<int64_t>(q);
-}
 
 int32_t Clamp32(int64_t v) {
   if (v > INT32_MAX) return INT32_MAX;
@@ -34,11 +26,11 @@ StdPicture::~StdPicture() {
 
 int32_t StdPicture::PixelsToHiMetric(int32_t pixels, int dpi) {
   if (dpi <= 0) return 0;
-  return Clamp32(RoundedMulDiv(pixels, 2540, dpi));
+  return Clamp32(MulDivRound(pixels, 2540, dpi));
 }
 
 int32_t StdPicture::HiMetricToPixels(int32_t himetric, int dpi) {
-  return Clamp32(RoundedMulDiv(himetric, dpi, 2540));
+  return Clamp32(MulDivRound(himetric, dpi, 2540));
 }
 
 std::shared_ptr<StdPicture> StdPicture::FromPixels(int32_t width, int32_t height,
@@ -100,10 +92,10 @@ bool StdPicture::Render(HDC dc, int32_t x, int32_t y, int32_t cx, int32_t cy, in
   }
   const int64_t hmWidth = get_Width(), hmHeight = get_Height();
   // HiMetric to source pixels; the source's y axis points up from the bottom.
-  const int64_t px = RoundedMulDiv(xSrc, width_, hmWidth);
-  const int64_t pcx = RoundedMulDiv(cxSrc, width_, hmWidth);
-  const int64_t py = RoundedMulDiv(hmHeight - static_cast<int64_t>(ySrc), height_, hmHeight);
-  const int64_t pcy = RoundedMulDiv(-static_cast<int64_t>(cySrc), height_, hmHeight);
+  const int64_t px = MulDivRound(xSrc, width_, hmWidth);
+  const int64_t pcx = MulDivRound(cxSrc, width_, hmWidth);
+  const int64_t py = MulDivRound(hmHeight - static_cast<int64_t>(ySrc), height_, hmHeight);
+  const int64_t pcy = MulDivRound(-static_cast<int64_t>(cySrc), height_, hmHeight);
   // A source running upward (positive cySrc) is drawn upside down. Mirroring
   // through a negative source height is where blitters differ by a row, so the
   // rows are turned over here and the blit itself always runs top-down.
