@@ -1,0 +1,7 @@
+#include "server/TableBuilder.h"
+
+namespace vantor::server {
+
+void AddFrameTables(TableBuilder& lib) { (void)lib; }
+
+}  // namespace vantor::server
