@@ -34,6 +34,9 @@ void AddGridEnums(TableBuilder& lib) {
                               {"AlignToCenterBottom", 9},
                               {"AlignToRightBottom", 10}});
   lib.Enum("GRID_BORDER_STYLE", {{"No Border", 0}, {"Fixed Single", 1}});
+  // The type `BorderStyle` is declared with; the grid draws the same two
+  // borders, so it carries the same two values.
+  lib.Enum("ENUM_BORDER_STYLE", {{"No Border", 0}, {"Fixed Single", 1}});
   lib.Enum("GRID_CELL_FORMAT", {{"Format BackColor", 1},
                                 {"Format ForeColor", 4},
                                 {"Format Image", 8},
