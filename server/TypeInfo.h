@@ -69,6 +69,7 @@ enum class MemberKind : uint8_t {
 // The platform's reserved dispatch ids the tables use.
 inline constexpr int32_t kDispidValue = 0;
 inline constexpr int32_t kDispidAboutBox = -552;
+inline constexpr int32_t kDispidNewEnum = -4;
 
 struct MemberInfo {
   std::string_view name;

@@ -29,12 +29,17 @@ const T* FindNamed(const std::vector<T>& items, std::string_view name) {
 }  // namespace
 
 void AssignDispatchIds(ClassInfo& info) {
+  // A collection without a caption has its Item as the value, so that
+  // `list(1)` reads an element, and its enumerator where For Each looks.
+  const bool captioned = info.dispatch.Find("Caption") != nullptr;
   int32_t next = 1;
   for (MemberInfo& m : info.dispatch.members) {
     if (m.name == "About") {
       m.dispid = kDispidAboutBox;
-    } else if (m.name == "Caption") {
+    } else if (m.name == "Caption" || (!captioned && m.name == "Item")) {
       m.dispid = kDispidValue;
+    } else if (m.name == "xcom_IEnum" || m.name == "_NewEnum") {
+      m.dispid = kDispidNewEnum;
     } else {
       m.dispid = next++;
     }

@@ -3,7 +3,9 @@
 // default and event interfaces, the enumerations and the records. Assembled
 // once from the tables, with dispatch ids given by one rule:
 //   - default interface: `About` takes the platform's about-box id (-552),
-//     `Caption` the value id (0), the other members 1, 2, 3... in order;
+//     `Caption` the value id (0) (a collection without one: `Item`), the
+//     enumerator `xcom_IEnum` the platform's new-enum id (-4), the other
+//     members 1, 2, 3... in order;
 //   - event interface: 1, 2, 3... in the order the events are listed.
 #include <string>
 #include <string_view>

@@ -72,6 +72,20 @@ TEST(TypeLibrary, GivesDispatchIdsByTheRule) {
   EXPECT_EQ(lib.InterfaceCount(), 2u);
 }
 
+TEST(TypeLibrary, ACollectionsItemIsItsValue) {
+  TableBuilder b;
+  b.Class("List", ClassKind::ObjectModel)
+      .ReadOnly("Count", td::Long)
+      .ReadOnly("Item", td::Var, {P("Index", td::Var)})
+      .ReadOnly("xcom_IEnum", td::Obj);
+  b.Class("Captioned", ClassKind::Control).Property("Caption", td::Str).ReadOnly("Item", td::Var);
+  TypeLibrary lib(std::move(b.classes));
+  EXPECT_EQ(lib.FindClass("List")->dispatch.Find("Item")->dispid, kDispidValue);
+  EXPECT_EQ(lib.FindClass("List")->dispatch.Find("xcom_IEnum")->dispid, kDispidNewEnum);
+  EXPECT_EQ(lib.FindClass("List")->dispatch.Find("Count")->dispid, 1);
+  EXPECT_EQ(lib.FindClass("Captioned")->dispatch.Find("Item")->dispid, 1);
+}
+
 TEST(TypeLibrary, ReportsUnsoundTables) {
   TableBuilder b;
   b.Class("Broken", ClassKind::Service)
