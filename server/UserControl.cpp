@@ -11,15 +11,18 @@ namespace {
 constexpr char16_t kWindowClass[] = u"VantorUserControl";
 
 void RegisterWindowClass(WNDPROC proc) {
-  static bool registered = false;
-  if (registered) return;
+  // Asked of USER each time rather than remembered: a desktop that was reset
+  // (tests start from one) has forgotten every class.
+  WNDCLASSEXW known{};
+  known.cbSize = sizeof known;
+  if (GetClassInfoExW(nullptr, kWindowClass, &known)) return;
   WNDCLASSW wc{};
   // Double clicks are part of what a control is told (DblClick).
   wc.style = CS_DBLCLKS;
   wc.lpfnWndProc = proc;
   wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   wc.lpszClassName = kWindowClass;
-  registered = RegisterClassW(&wc) != 0;
+  RegisterClassW(&wc);
 }
 
 int16_t ShiftState() {
@@ -92,9 +95,21 @@ bool UserControl::Create(ControlSite* site, HWND parent, const RECT& r) {
   return hwnd_ != nullptr;
 }
 
-void UserControl::InitNew() { Guarded([this] { InitProperties(); }); }
+void UserControl::InitNew() {
+  Guarded([this] { InitProperties(); });
+  FirstResize();
+}
 
-void UserControl::Load(const PropertyBag& bag) { Guarded([&] { ReadProperties(bag); }); }
+void UserControl::Load(const PropertyBag& bag) {
+  Guarded([&] { ReadProperties(bag); });
+  FirstResize();
+}
+
+void UserControl::FirstResize() {
+  if (hasProperties_) return;
+  hasProperties_ = true;
+  if (hwnd_) Guarded([this] { Resize(); });
+}
 
 void UserControl::Save(PropertyBag& bag) { Guarded([&] { WriteProperties(bag); }); }
 
@@ -270,7 +285,9 @@ LRESULT UserControl::Handle(UINT msg, WPARAM wparam, LPARAM lparam) {
   switch (msg) {
     case WM_SIZE:
       ResizeSurface(LOWORD(lparam), HIWORD(lparam));
-      Guarded([this] { Resize(); });
+      // The window reports its size as it is made, before the control has
+      // its properties; a control lays itself out only once it has them.
+      if (hasProperties_) Guarded([this] { Resize(); });
       return 0;
     case WM_ERASEBKGND:
       return 1;

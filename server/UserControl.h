@@ -133,6 +133,8 @@ class UserControl : public Dispatch {
   void Guarded(const std::function<void()>& handler);
   void ResizeSurface(int width, int height);
   void FreeSurface();
+  // The first Resize, once InitProperties or ReadProperties has run.
+  void FirstResize();
   void Mouse(UINT msg, WPARAM wparam, LPARAM lparam);
   bool SetPointer();
 
@@ -149,6 +151,7 @@ class UserControl : public Dispatch {
   int16_t buttonsDown_ = 0;  // mouse buttons pressed over this control, as Button bits
   int16_t clickButton_ = 0;  // the button whose release will be a Click
   bool shown_ = false;
+  bool hasProperties_ = false;  // InitNew or Load has run
   bool tabTaken_ = false;   // the container took a Tab; its WM_CHAR is not ours
   int paints_ = 0;
 };
