@@ -1,8 +1,10 @@
-// The vantor command line. For now it reports its version and exercises the
-// run time: a smoke run and a few of the run time's functions on the
-// arguments, so that a person can see the locale-dependent behaviour at once.
+// The vantor command line: its version, the run time exercised (a smoke run
+// and a few of the run time's functions on the arguments, so that a person can
+// see the locale-dependent behaviour at once), the type library listed, and
+// any member of the library called by name.
 #include <cstdio>
 #include <cstring>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,9 @@
 #include "runtime/Like.h"
 #include "runtime/Locale.h"
 #include "runtime/Strings.h"
+#include "tools/vantor/CallCommand.h"
 #include "tools/vantor/DemoWindow.h"
+#include "tools/vantor/TypeLibCommand.h"
 
 using namespace vantor;
 
@@ -40,7 +44,21 @@ int Usage() {
       "  format VALUE PATTERN    Format(VALUE, PATTERN)\n"
       "  like TEXT PATTERN       TEXT Like PATTERN\n"
       "  cstr VALUE              CStr of the value as read\n"
-      "  screenshot FILE.png     draw a small window, click its button, save the picture\n");
+      "  screenshot FILE.png     draw a small window, click its button, save the picture\n"
+      "  typelib [CLASS]         list the type library's classes with their members and events,\n"
+      "                          then its enumerations and records; or only CLASS\n"
+      "  typelib --idl [FILE]    write the type library as IDL, to FILE or the standard output\n"
+      "  call [--out FILE] CLASS.MEMBER [ARG...]\n"
+      "                          create CLASS, call MEMBER (a method, or a property read)\n"
+      "                          and print the result; --out writes it to FILE instead\n"
+      "  call CLASS.PROPERTY= [INDEX...] VALUE\n"
+      "                          assign a property (also CLASS.PROPERTY=VALUE), then print it\n"
+      "                          as read back\n"
+      "    ARG: 12 is a Long, 1.5 a Double (\".\" in every locale), true or false a Boolean,\n"
+      "    @PATH the file's bytes, anything else a String; --str ARG takes ARG as a String;\n"
+      "    NAME:=ARG is a named argument, after the positional ones. Results print as the\n"
+      "    locale writes them, byte arrays in hexadecimal; then each by-reference parameter\n"
+      "    as NAME = VALUE. Exit status: 0 done, 1 the call failed, 2 a malformed command.\n");
   return 2;
 }
 
@@ -100,6 +118,13 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (cmd == "smoke") return Smoke();
+  if (cmd == "typelib" || cmd == "call") {
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    const int status = cmd == "typelib" ? vantor::tools::RunTypeLib(rest, std::cout, std::cerr)
+                                        : vantor::tools::RunCall(rest, std::cout, std::cerr);
+    std::cout.flush();
+    return status;
+  }
   if (cmd == "format" && args.size() == 3) {
     Print(Format(ValueOf(args[1]), FromUtf8(args[2])));
     return 0;
