@@ -141,9 +141,9 @@ std::vector<int32_t> KeptColours(const Pixels& in, int32_t tolerance,
           g = std::min<uint32_t>(255, g + ((*fill >> 8) & 0xFF) * inv / 255);
           b = std::min<uint32_t>(255, b + ((*fill >> 16) & 0xFF) * inv / 255);
         } else {
-          r = std::min<uint32_t>(255, (r * 255 + a / 2) / a);
-          g = std::min<uint32_t>(255, (g * 255 + a / 2) / a);
-          b = std::min<uint32_t>(255, (b * 255 + a / 2) / a);
+          r = std::min<uint32_t>(255, (r * 255 + a - 1) / a);
+          g = std::min<uint32_t>(255, (g * 255 + a - 1) / a);
+          b = std::min<uint32_t>(255, (b * 255 + a - 1) / a);
         }
       }
       colours[k++] = static_cast<int32_t>((r << 16) | (g << 8) | b);
