@@ -282,25 +282,35 @@ void GifAnimation::Dispose(size_t i) {
   }
 }
 
-bool GifAnimation::RenderFrame(size_t i, Pixels& out) {
-  out.Clear();
+const Pixels* GifAnimation::ComposeFrame(size_t i) {
   try {
-    if (i >= frames_.size()) return false;
+    if (i >= frames_.size()) return nullptr;
     if (drawn_ == SIZE_MAX || i < drawn_ || canvas_.Empty()) {
       ResetCanvas();
-      if (canvas_.Empty()) return false;
+      if (canvas_.Empty()) return nullptr;
     }
     for (size_t k = drawn_ == SIZE_MAX ? 0 : drawn_ + 1; k <= i; ++k) {
       if (drawn_ != SIZE_MAX) Dispose(drawn_);
       DrawFrame(k);
       drawn_ = k;
     }
-    out = canvas_;
-    out.alpha = out.ScanAlpha();
-    out.format = Image_GIF;
-    return true;
+    canvas_.alpha = canvas_.ScanAlpha();
+    canvas_.format = Image_GIF;
+    return &canvas_;
   } catch (...) {
     drawn_ = SIZE_MAX;
+    return nullptr;
+  }
+}
+
+bool GifAnimation::RenderFrame(size_t i, Pixels& out) {
+  out.Clear();
+  try {
+    const Pixels* canvas = ComposeFrame(i);
+    if (canvas == nullptr) return false;
+    out = *canvas;
+    return true;
+  } catch (...) {
     out.Clear();
     return false;
   }

@@ -54,6 +54,9 @@ class GifAnimation {
   // canvas; going back starts again from the first. False when i is out of
   // range or the canvas cannot be made.
   bool RenderFrame(size_t i, Pixels& out);
+  // The same without the copy: the running canvas itself, valid until the
+  // next composition or load; null on failure.
+  const Pixels* ComposeFrame(size_t i);
   // Every frame composed, in order.
   bool ComposeAll(std::vector<Pixels>& out);
 

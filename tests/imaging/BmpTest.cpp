@@ -355,9 +355,8 @@ TEST(BmpRead, DataOffsetFallbacks) {
   EXPECT_EQ(TopDown(p), expected);
   // Start and length place the file inside a larger array.
   f = Write(b);
-  std::vector<uint8_t> wrapped(3, 0);
-  wrapped.insert(wrapped.end(), f.begin(), f.end());
-  wrapped.push_back(0x55);
+  std::vector<uint8_t> wrapped(3 + f.size() + 1, 0x55);
+  std::copy(f.begin(), f.end(), wrapped.begin() + 3);
   ASSERT_TRUE(cBMPparser().LoadStream(wrapped, p, 3, f.size()));
   EXPECT_EQ(TopDown(p), expected);
 }
@@ -380,8 +379,8 @@ TEST(BmpRead, Refusals) {
       {"3 bits", [](auto& f) { f[28] = 3; }},
       {"JPEG inside", [](auto& f) { f[30] = 4; }},
       {"RLE8 on 24 bits", [](auto& f) { f[30] = 1; }},
-      {"data cut", [](auto& f) { f.resize(f.size() - 13); }},
-      {"header cut", [](auto& f) { f.resize(30); }},
+      {"data cut", [](auto& f) { f.erase(f.end() - 13, f.end()); }},
+      {"header cut", [](auto& f) { f.erase(f.begin() + 30, f.end()); }},
       {"huge", [](auto& f) { f[21] = 0x7F, f[25] = 0x7F; }},
       {"bit fields on 24 bits", [](auto& f) { f[30] = 3; }},
   };

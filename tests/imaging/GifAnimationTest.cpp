@@ -143,6 +143,11 @@ TEST(GifAnimation, ComposesAsTheDisposalsSay) {
     }
     EXPECT_FALSE(a.RenderFrame(frames.size(), p));
     EXPECT_TRUE(p.Empty());
+    // The canvas itself, without a copy.
+    const Pixels* canvas = a.ComposeFrame(frames.size() - 1);
+    ASSERT_NE(canvas, nullptr);
+    EXPECT_EQ(TopDown(*canvas), expected.back());
+    EXPECT_EQ(a.ComposeFrame(frames.size()), nullptr);
   }
 }
 
@@ -165,10 +170,12 @@ TEST(GifAnimation, ChangedColourTableShowsInTheNextRender) {
 
 // A hand-made file: header, global table of 2, then `blocks`.
 std::vector<uint8_t> HandMade(const std::vector<uint8_t>& blocks, bool upper = false) {
-  std::vector<uint8_t> f = {
+  const uint8_t head[19] = {
       'G', 'I', 'F', '8', '9', upper ? uint8_t('A') : uint8_t('a'), 2, 0, 2, 0, 0x80, 0, 0, 0,
       0,   0,   255, 255, 255};
-  f.insert(f.end(), blocks.begin(), blocks.end());
+  std::vector<uint8_t> f(sizeof head + blocks.size());
+  std::copy(head, head + sizeof head, f.begin());
+  std::copy(blocks.begin(), blocks.end(), f.begin() + sizeof head);
   return f;
 }
 

@@ -90,6 +90,11 @@ inline std::vector<uint8_t> GiflibWrite(const FileSpec& spec) {
       ok = EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, static_cast<int>(n), ext) == GIF_OK;
     }
     ColorMapObject* local = f.local.empty() ? nullptr : MakeMap(f.local);
+    if (local == nullptr && gif->Image.ColorMap != nullptr) {
+      // giflib forgets the previous frame's table instead of freeing it.
+      GifFreeMapObject(gif->Image.ColorMap);
+      gif->Image.ColorMap = nullptr;
+    }
     ok =
         ok && EGifPutImageDesc(gif, f.left, f.top, f.width, f.height, f.interlace, local) == GIF_OK;
     if (local) GifFreeMapObject(local);

@@ -125,9 +125,8 @@ TEST(GifRead, OnlyTheFirstFrameAndStartLength) {
   }
   const auto file = GiflibWrite(spec);
   const Decoded d = GiflibRead(file);
-  std::vector<uint8_t> wrapped(7, 0xEE);
-  wrapped.insert(wrapped.end(), file.begin(), file.end());
-  wrapped.insert(wrapped.end(), 5, 0xEE);
+  std::vector<uint8_t> wrapped(7 + file.size() + 5, 0xEE);
+  std::copy(file.begin(), file.end(), wrapped.begin() + 7);
   Pixels p;
   ASSERT_TRUE(cGIFparser().LoadStream(wrapped, p, 7, file.size()));
   EXPECT_EQ(TopDown(p), Expected(d));
