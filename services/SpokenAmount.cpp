@@ -122,8 +122,13 @@ String SpokenAmount::Text(double value, StringView currencySingular, StringView 
   if (value == 0) return Finish(String(u"zero ") + String(decimalPlural));
   if (!(value <= kLargest)) return String(kUnsupported);
 
-  const double whole = std::floor(value);
-  const double fraction = value - whole;
+  // Amounts are money: the value is split as the platform's Currency holds
+  // it, to the ten-thousandth, so that 1,20 has a fraction of exactly 0,2 and
+  // not the 0,19999999999999996 that binary arithmetic leaves, which would
+  // be spoken as "onze centavos".
+  const auto units = static_cast<int64_t>(std::nearbyint(value * 10000.0));
+  const double whole = static_cast<double>(units / 10000);
+  const double fraction = static_cast<double>(units % 10000) / 10000.0;
   String r;
   r.reserve(256);
 

@@ -163,13 +163,15 @@ TEST(SpokenAmount, Fractions) {
   CheckAll(cases);
 }
 
-// The fraction is the amount less its whole part in double precision, and the
-// words follow its digits; these are the outcomes that arithmetic gives.
-TEST(SpokenAmount, FractionsFollowTheirBinaryDigits) {
+// The fraction is taken as money holds it, to the ten-thousandth: amounts
+// whose cents binary arithmetic cannot hold exactly are still spoken right.
+TEST(SpokenAmount, FractionsAreTakenAsMoneyHoldsThem) {
   const Case cases[] = {
-      {1.1, u"Um real e centavos"},       // 0,100000000000000088...
-      {1.2, u"Um real e onze centavos"},  // 0,19999999999999996
-      {1234.3, u"Um mil duzentos e trinta e quatro reais e vinte e três centavos"},
+      {1.1, u"Um real e dez centavos"},
+      {1.2, u"Um real e vinte centavos"},
+      {1234.3, u"Um mil duzentos e trinta e quatro reais e trinta centavos"},
+      {0.29, u"Vinte e nove centavos"},
+      {1.15, u"Um real e quinze centavos"},
       {0.001, u"Centavo"},                // hundredths 0: no unit word
       {0.096, u"Um centavo"},             // hundredths 10: last digit 1
       {0.996, u"Noventa e um centavos"},  // hundredths 100
