@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Check(p.bytes[i] <= p.bytes[i + 3] && p.bytes[i + 1] <= p.bytes[i + 3] &&
           p.bytes[i + 2] <= p.bytes[i + 3]);
   }
-  if (p.bytes.size() > (1u << 22)) return 0;
+  if (p.bytes.size() > (1u << 18)) return 0;
   std::vector<uint8_t> out;
   Pixels back;
   // Kept pre-multiplied, the bytes come back as they were.

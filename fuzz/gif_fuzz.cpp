@@ -60,12 +60,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Check(animation.FrameCount() > 0);
     // Compose a bounded number of frames, then go back once.
     const size_t frames = animation.FrameCount() < 16 ? animation.FrameCount() : 16;
-    Pixels p;
     for (size_t i = 0; i < frames; ++i) {
-      if (!animation.RenderFrame(i, p)) break;
-      CheckShape(p);
-      Check(p.width == animation.ScreenWidth() && p.height == animation.ScreenHeight());
+      const Pixels* canvas = animation.ComposeFrame(i);
+      if (canvas == nullptr) break;
+      CheckShape(*canvas);
+      Check(canvas->width == animation.ScreenWidth() && canvas->height == animation.ScreenHeight());
     }
+    Pixels p;
     if (animation.RenderFrame(0, p)) CheckShape(p);
   } else {
     Check(animation.FrameCount() == 0);

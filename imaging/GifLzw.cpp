@@ -192,7 +192,7 @@ size_t SkipGifSubBlocks(std::span<const uint8_t> file, size_t pos) {
 }
 
 bool GifAreaIsPlausible(uint64_t pixels, size_t bytesLeft) {
-  return pixels <= (static_cast<uint64_t>(bytesLeft) + 16) * 11000;
+  return pixels <= (static_cast<uint64_t>(bytesLeft) + 16) * 4096;
 }
 
 }  // namespace vantor::imaging

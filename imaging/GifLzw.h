@@ -38,8 +38,9 @@ void ForEachDecodedRow(size_t produced, int32_t width, int32_t height, bool inte
 size_t SkipGifSubBlocks(std::span<const uint8_t> file, size_t pos);
 
 // A picture whose data could not possibly hold this many pixels is refused
-// before its buffers are made: no code stands for more than 4096 pixels, and
-// a code takes at least 3 bits.
+// before its buffers are made: a string grows by one index a code, so no
+// code stands for more than 4096 pixels, and past the first few hundred codes
+// each takes 9 bits or more.
 bool GifAreaIsPlausible(uint64_t pixels, size_t bytesLeft);
 
 }  // namespace vantor::imaging

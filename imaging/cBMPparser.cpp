@@ -241,13 +241,16 @@ bool cBMPparser::DecodeDibPixels(const DibHeader& h, std::span<const uint8_t> da
   alphaRaw = h.bitCount >= 16 && h.masks[3] != 0;
   const bool plain32 = h.bitCount == 32 && h.masks[0] == 0xFF0000 && h.masks[1] == 0xFF00 &&
                        h.masks[2] == 0xFF && h.masks[3] == 0xFF000000u;
+  auto pack = [&](uint32_t v) {
+    return uint32_t{blue.Of(v)} | (uint32_t{green.Of(v)} << 8) | (uint32_t{red.Of(v)} << 16) |
+           (uint32_t{alphaRaw ? alpha.Of(v) : uint8_t{255}} << 24);
+  };
+  // A large 16-bit picture pays for a table of every value once.
   std::vector<uint32_t> lut16;
-  if (h.bitCount == 16) {
+  if (h.bitCount == 16 &&
+      static_cast<uint64_t>(h.width) * static_cast<uint64_t>(h.height) >= 16384) {
     lut16.resize(65536);
-    for (uint32_t v = 0; v < 65536; ++v) {
-      lut16[v] = uint32_t{blue.Of(v)} | (uint32_t{green.Of(v)} << 8) | (uint32_t{red.Of(v)} << 16) |
-                 (uint32_t{alphaRaw ? alpha.Of(v) : uint8_t{255}} << 24);
-    }
+    for (uint32_t v = 0; v < 65536; ++v) lut16[v] = pack(v);
   }
   const int32_t w = h.width;
   for (int32_t r = 0; r < h.height; ++r) {
@@ -270,7 +273,8 @@ bool cBMPparser::DecodeDibPixels(const DibHeader& h, std::span<const uint8_t> da
       }
       case 16:
         for (int32_t x = 0; x < w; ++x) {
-          const uint32_t c = lut16[size_t{src[x * 2]} | (size_t{src[x * 2 + 1]} << 8)];
+          const uint32_t v = uint32_t{src[x * 2]} | (uint32_t{src[x * 2 + 1]} << 8);
+          const uint32_t c = lut16.empty() ? pack(v) : lut16[v];
           std::memcpy(dst + size_t(x) * 4, &c, 4);
         }
         break;

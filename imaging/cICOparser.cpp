@@ -34,10 +34,11 @@ bool DecodePngEntry(std::span<const uint8_t> entry, Pixels& out) {
   return cPNGparser().LoadStream(entry, out);
 }
 
-int32_t Score(const cICOparser::Candidate& e, int32_t w, int32_t h, int32_t d) {
-  int32_t sw = e.width - w;
+// Wide enough that sizes from a hostile header cannot overflow it.
+int64_t Score(const cICOparser::Candidate& e, int64_t w, int64_t h, int64_t d) {
+  int64_t sw = e.width - w;
   if (w > e.width) sw *= 2;
-  int32_t sh = e.height - h;
+  int64_t sh = e.height - h;
   if (h > e.height) sh *= 2;
   if (e.depth > 32) return -10000;
   return sw + sh + std::abs(d - e.depth);
@@ -59,10 +60,11 @@ int32_t cICOparser::ChooseEntry(const std::vector<Candidate>& entries, int32_t w
   if (depth <= 0) depth = 32;
   if (entries.size() < 2) return 0;
 
-  int32_t best = 10000, choice = -1;
+  int64_t best = 10000;
+  int32_t choice = -1;
   for (size_t i = 0; i < entries.size(); ++i) {
     if (entries[i].depth == 0) continue;
-    const int32_t s = Score(entries[i], width, height, depth);
+    const int64_t s = Score(entries[i], width, height, depth);
     if (s == 0) return static_cast<int32_t>(i);
     if (s > 0 && s < best) {
       best = s;
@@ -73,11 +75,11 @@ int32_t cICOparser::ChooseEntry(const std::vector<Candidate>& entries, int32_t w
 
   // Every entry is smaller than wanted: the nearest, leaning to 32 bits, and
   // on a tie the later one.
-  best = INT32_MAX;
+  best = INT64_MAX;
   for (size_t i = entries.size(); i-- > 0;) {
     if (entries[i].depth == 0) continue;
-    const int32_t s =
-        std::abs(Score(entries[i], width, height, depth)) + std::abs(32 - entries[i].depth);
+    const int64_t s = std::abs(Score(entries[i], width, height, depth)) +
+                      std::abs(int64_t{32} - entries[i].depth);
     if (s < best) {
       best = s;
       choice = static_cast<int32_t>(i);

@@ -150,7 +150,6 @@ TEST(BmpRead, IndexPastTheShortPaletteIsBlack) {
 
 TEST(BmpRead, TrueColourAndBitFields) {
   std::mt19937 rng(2);
-  const int32_t w = 5, h = 3;
   struct Case {
     const char* what;
     uint16_t bits;
@@ -165,58 +164,61 @@ TEST(BmpRead, TrueColourAndBitFields) {
       {"32 as 10-10-10", 32, 3, 124, {0x3FF00000, 0x000FFC00, 0x000003FF}},
       {"32 as 8-8-8 after the header", 32, 6, 40, {0xFF0000, 0xFF00, 0xFF, 0}},
   };
+  // Large enough for the 16-bit table too.
   for (const Case& c : cases) {
-    Bmp b;
-    b.width = w;
-    b.height = h;
-    b.bits = c.bits;
-    b.compression = c.compression;
-    b.headerSize = c.headerSize;
-    b.masks = c.masks;
-    std::vector<uint32_t> masks = c.masks;
-    if (masks.empty()) {
-      masks = c.bits == 16 ? std::vector<uint32_t>{0x7C00, 0x3E0, 0x1F}
-                           : std::vector<uint32_t>{0xFF0000, 0xFF00, 0xFF};
-    }
-    const size_t stride = Stride(w, c.bits);
-    b.data.assign(stride * h, 0);
-    std::vector<uint8_t> expected(size_t(w * h) * 4);
-    bool anyAlpha = false;
-    for (int32_t y = 0; y < h; ++y) {
-      for (int32_t x = 0; x < w; ++x) {
-        uint8_t* at = &b.data[size_t(h - 1 - y) * stride + size_t(x * c.bits / 8)];
-        const auto v = uint32_t(rng());
-        uint8_t channel[4] = {0, 0, 0, 255};
-        for (size_t m = 0; m < masks.size(); ++m) {
-          const uint32_t mask = masks[m];
-          if (mask == 0) continue;
-          const int shift = __builtin_ctz(mask);
-          const uint32_t top = mask >> shift;
-          const int n = 32 - __builtin_clz(top);
-          const uint32_t field = (v >> shift) & top;
-          channel[m] = uint8_t(n >= 8 ? field >> (n - 8) : (field * 255 + top / 2) / top);
+    for (auto [w, h] : {std::pair<int32_t, int32_t>{5, 3}, {160, 110}}) {
+      Bmp b;
+      b.width = w;
+      b.height = h;
+      b.bits = c.bits;
+      b.compression = c.compression;
+      b.headerSize = c.headerSize;
+      b.masks = c.masks;
+      std::vector<uint32_t> masks = c.masks;
+      if (masks.empty()) {
+        masks = c.bits == 16 ? std::vector<uint32_t>{0x7C00, 0x3E0, 0x1F}
+                             : std::vector<uint32_t>{0xFF0000, 0xFF00, 0xFF};
+      }
+      const size_t stride = Stride(w, c.bits);
+      b.data.assign(stride * h, 0);
+      std::vector<uint8_t> expected(size_t(w * h) * 4);
+      bool anyAlpha = false;
+      for (int32_t y = 0; y < h; ++y) {
+        for (int32_t x = 0; x < w; ++x) {
+          uint8_t* at = &b.data[size_t(h - 1 - y) * stride + size_t(x * c.bits / 8)];
+          const auto v = uint32_t(rng());
+          uint8_t channel[4] = {0, 0, 0, 255};
+          for (size_t m = 0; m < masks.size(); ++m) {
+            const uint32_t mask = masks[m];
+            if (mask == 0) continue;
+            const int shift = __builtin_ctz(mask);
+            const uint32_t top = mask >> shift;
+            const int n = 32 - __builtin_clz(top);
+            const uint32_t field = (v >> shift) & top;
+            channel[m] = uint8_t(n >= 8 ? field >> (n - 8) : (field * 255 + top / 2) / top);
+          }
+          const uint32_t value =
+              v & (masks[0] | masks[1] | masks[2] | (masks.size() > 3 ? masks[3] : 0));
+          for (int k = 0; k < c.bits / 8; ++k) at[k] = uint8_t(value >> (8 * k));
+          if (masks.size() > 3 && masks[3]) anyAlpha = anyAlpha || channel[3] != 0;
+          const size_t i = size_t(y * w + x);
+          expected[i * 4] = channel[2];
+          expected[i * 4 + 1] = channel[1];
+          expected[i * 4 + 2] = channel[0];
+          expected[i * 4 + 3] = channel[3];
         }
-        const uint32_t value =
-            v & (masks[0] | masks[1] | masks[2] | (masks.size() > 3 ? masks[3] : 0));
-        for (int k = 0; k < c.bits / 8; ++k) at[k] = uint8_t(value >> (8 * k));
-        if (masks.size() > 3 && masks[3]) anyAlpha = anyAlpha || channel[3] != 0;
-        const size_t i = size_t(y * w + x);
-        expected[i * 4] = channel[2];
-        expected[i * 4 + 1] = channel[1];
-        expected[i * 4 + 2] = channel[0];
-        expected[i * 4 + 3] = channel[3];
       }
-    }
-    if (anyAlpha) {
-      // Straight colours with alpha: pre-multiplied on the way in.
-      for (size_t i = 0; i < expected.size(); i += 4) {
-        for (int k = 0; k < 3; ++k)
-          expected[i + k] = uint8_t(expected[i + k] * expected[i + 3] / 255);
+      if (anyAlpha) {
+        // Straight colours with alpha: pre-multiplied on the way in.
+        for (size_t i = 0; i < expected.size(); i += 4) {
+          for (int k = 0; k < 3; ++k)
+            expected[i + k] = uint8_t(expected[i + k] * expected[i + 3] / 255);
+        }
       }
+      Pixels p;
+      ASSERT_TRUE(cBMPparser().LoadStream(Write(b), p)) << c.what;
+      EXPECT_EQ(TopDown(p), expected) << c.what << " " << w << "x" << h;
     }
-    Pixels p;
-    ASSERT_TRUE(cBMPparser().LoadStream(Write(b), p)) << c.what;
-    EXPECT_EQ(TopDown(p), expected) << c.what;
   }
 }
 

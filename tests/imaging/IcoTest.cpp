@@ -212,6 +212,12 @@ TEST(IcoChoice, TheRule) {
     EXPECT_EQ(cICOparser::ChooseEntry(c.entries, c.w, c.h, c.d), c.expected) << c.what;
   }
   EXPECT_EQ(cICOparser::ChooseEntry({}, 16, 16, 32), -1);
+  // Sizes and depths no honest header gives still score without overflow.
+  const int32_t big = INT32_MAX, small = INT32_MIN;
+  EXPECT_EQ(
+      cICOparser::ChooseEntry({{big, big, 32}, {small, small, small}, {big, 16, 8}}, big, 1, 32),
+      2);
+  EXPECT_EQ(cICOparser::ChooseEntry({{small, small, big}, {small, 1, 32}}, big, big, 1), 0);
 }
 
 TEST(IcoRead, DirectoryCorrectedFromTheEntries) {
@@ -389,6 +395,26 @@ TEST(IcoRead, Refusals) {
   Pixels p;
   EXPECT_FALSE(cICOparser().LoadStream(f, p, 0, 0, 16, 16, 8));
   EXPECT_TRUE(p.Empty());
+}
+
+TEST(IcoRead, HostileSizesInAHeader) {
+  // Found by fuzzing: an entry whose header claims a width and height near
+  // the 32-bit limits once overflowed the choice's arithmetic.
+  std::mt19937 rng(8);
+  auto e0 = DibEntry(MakeArt(8, 8, 8, false, true, rng), 8);
+  const uint8_t size[8] = {0x61, 0x60, 0x00, 0x3D, 0x4D, 0xA6, 0x01, 0x47};
+  std::memcpy(&e0[4], size, 8);
+  const auto file =
+      IconFile({Entry{e0, 8, 8, 0, 1, 8}, Dib(MakeArt(8, 8, 8, false, true, rng), 8)});
+  cICOparser ico;
+  ASSERT_TRUE(ico.ReadDirectory(file));
+  EXPECT_EQ(ico.Width(0), 0x3D006061);
+  EXPECT_EQ(ico.Height(0), 0x4701A64D / 2);
+  Pixels p;
+  EXPECT_FALSE(ico.LoadStream(file, p));  // the largest is chosen, and cannot be read
+  EXPECT_TRUE(p.Empty());
+  EXPECT_TRUE(ico.LoadStream(file, p, 0, 0, 8, 8, 8));
+  EXPECT_EQ(ico.ChosenEntry(), 1);
 }
 
 TEST(IcoHandle, ColourAndMaskBitmaps) {
