@@ -1,0 +1,57 @@
+#include "frame/ThemePalette.h"
+
+namespace vantor::frame {
+namespace {
+
+// One line per role, one column per theme in ENUM_THEME order, so that a
+// column read top to bottom is everything a theme paints a button with.
+// 0x80000011 is the grey-text system colour by index: disabled text follows
+// the user's desktop settings in every theme.
+constexpr OLE_COLOR kColors[ThemePalette::kRoleCount][ThemePalette::kThemeCount] = {
+    {0x000000, 0x000000, 0x000000, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},  // ForeColor
+    // ForeColorDisabled
+    {0x80000011, 0x80000011, 0x80000011, 0x80000011, 0x80000011, 0x80000011, 0x80000011},
+    {0x000000, 0x000000, 0x000000, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},  // ForeColorDown
+    {0x000000, 0x000000, 0x000000, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},  // ForeColorOver
+    {0xE2A981, 0x808080, 0xB5ACA5, 0x4BB062, 0x5050C7, 0x119CF3, 0x000000},  // BorderColor
+    {0xC8D0D4, 0xC8D0D4, 0xD9D9D9, 0xC8D0D4, 0xC8D0D4, 0xC8D0D4, 0xC8D0D4},  // BorderColorDisabled
+    {0x78A8C1, 0x78A8C1, 0xE59D56, 0x404040, 0x3D3D99, 0x0040C0, 0x404040},  // BorderColorDown
+    {0x78A8C1, 0x78A8C1, 0xEAB47E, 0x00C000, 0x4343E0, 0x80C0FF, 0x808080},  // BorderColorOver
+    {0xFFEFE3, 0xFFFFFF, 0xFFFFFF, 0x4BB062, 0x5050C7, 0x119CF3, 0x000000},  // GradientColor1
+    {0xFFE3CE, 0xE0E0E0, 0xE5E5E5, 0x4BB062, 0x5050C7, 0x119CF3, 0x000000},  // GradientColor2
+    {0xFFD1AE, 0xC0C0C0, 0xE5E5E5, 0x4BB062, 0x5050C7, 0x119CF3, 0x000000},  // GradientColor3
+    {0xFFDABE, 0xC0C0C0, 0xE5E5E5, 0x4BB062, 0x5050C7, 0x119CF3, 0x000000},  // GradientColor4
+    {0xD8E9EC, 0xD8E9EC, 0xEFEFEF, 0xD8E9EC, 0xC8D0D4, 0xD8E9EC,
+     0xC8D0D4},  // GradientColorDisabled1
+    {0xD8E9EC, 0xD8E9EC, 0xEFEFEF, 0xD8E9EC, 0xC8D0D4, 0xD8E9EC,
+     0xC8D0D4},  // GradientColorDisabled2
+    {0xD8E9EC, 0xD8E9EC, 0xEFEFEF, 0xD8E9EC, 0xC8D0D4, 0xD8E9EC,
+     0xC8D0D4},  // GradientColorDisabled3
+    {0xD8E9EC, 0xD8E9EC, 0xEFEFEF, 0xD8E9EC, 0xC8D0D4, 0xD8E9EC,
+     0xC8D0D4},  // GradientColorDisabled4
+    {0xA4D6FF, 0xA4D6FF, 0xFBF0DD, 0x008000, 0x3D3D99, 0x0040C0, 0x404040},  // GradientColorDown1
+    {0x79C0FF, 0x79C0FF, 0xFCE0C4, 0x008000, 0x3D3D99, 0x0040C0, 0x404040},  // GradientColorDown2
+    {0x42AEFE, 0x42AEFE, 0xFCE0C4, 0x008000, 0x3D3D99, 0x0040C0, 0x404040},  // GradientColorDown3
+    {0x70D8FE, 0x70D8FE, 0xFCE0C4, 0x008000, 0x3D3D99, 0x0040C0, 0x404040},  // GradientColorDown4
+    {0xDBFDFF, 0xDBFDFF, 0xFFFFFF, 0x00C000, 0x4343E0, 0x80C0FF, 0x808080},  // GradientColorOver1
+    {0xBBF2FF, 0xBBF2FF, 0xFCEDDD, 0x00C000, 0x4343E0, 0x80C0FF, 0x808080},  // GradientColorOver2
+    {0x49D3FF, 0x49D3FF, 0xFCEDDD, 0x00C000, 0x4343E0, 0x80C0FF, 0x808080},  // GradientColorOver3
+    {0x92E6FF, 0x92E6FF, 0xFCEDDD, 0x00C000, 0x4343E0, 0x80C0FF, 0x808080},  // GradientColorOver4
+};
+
+}  // namespace
+
+OLE_COLOR ThemePalette::Color(int32_t theme, int32_t role) {
+  if (theme < 0 || theme >= kThemeCount || role < 0 || role >= kRoleCount) return 0;
+  return kColors[role][theme];
+}
+
+ENUM_BUTTON_SHAPES ThemePalette::ButtonShapeOf(int32_t theme) {
+  return theme == Office_Blue || theme == Office_Silver ? Cut_None : Cut_Sides;
+}
+
+ENUM_GRADIENT_COLORS ThemePalette::GradientColorsOf(int32_t theme) {
+  return theme == Office_Blue || theme == Office_Silver ? Four_Colors : Two_Colors;
+}
+
+}  // namespace vantor::frame
