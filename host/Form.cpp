@@ -11,6 +11,7 @@
 #include "platform/User.h"
 #include "runtime/Error.h"
 #include "runtime/Strings.h"
+#include "host/LibraryClasses.h"
 #include "server/Registry.h"
 
 namespace vantor::host {
@@ -64,6 +65,7 @@ bool Placeable(std::string_view className, std::string* why) {
 }  // namespace
 
 Form::Form(int clientWidth, int clientHeight, StringView name) : name_(name) {
+  RegisterLibraryClasses();
   if (!FormFile::IsValidName(name_)) name_ = u"Form1";
   ambience_.font = std::make_shared<server::StdFont>();
   RegisterFormClass(&Form::WindowProc);

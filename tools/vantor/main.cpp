@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/LibraryClasses.h"
 #include "runtime/Conversion.h"
 #include "runtime/DateTime.h"
 #include "runtime/Error.h"
@@ -120,6 +121,7 @@ int main(int argc, char** argv) {
   if (cmd == "smoke") return Smoke();
   if (cmd == "typelib" || cmd == "call") {
     const std::vector<std::string> rest(args.begin() + 1, args.end());
+    vantor::host::RegisterLibraryClasses();
     const int status = cmd == "typelib" ? vantor::tools::RunTypeLib(rest, std::cout, std::cerr)
                                         : vantor::tools::RunCall(rest, std::cout, std::cerr);
     std::cout.flush();
