@@ -355,9 +355,10 @@ bool cBMPparser::LoadStream(std::span<const uint8_t> bytes, Pixels& out, size_t 
     if (dataStart >= d.size()) return false;
     const std::span<const uint8_t> data = d.subspan(dataStart);
     if (rle) {
-      // Runs reach at most 255 pixels in 2 bytes; allow jumps some room
-      // beyond that, but not a giant from a few bytes.
-      if (area > static_cast<uint64_t>(data.size()) * 8192 + 65536) return false;
+      // Runs reach at most 255 pixels in 2 bytes; jumps and line ends may
+      // pass over more, but a picture that is mostly passed over is no
+      // picture: a giant from a few bytes is refused before it is made.
+      if (area > static_cast<uint64_t>(data.size()) * 1024 + 65536) return false;
     } else {
       const uint64_t need =
           static_cast<uint64_t>(h.Stride()) * static_cast<uint64_t>(h.height - 1) +

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fstream>
 #include <numeric>
-#include <unordered_map>
 
 #include "imaging/GifLzw.h"
 #include "platform/User.h"
@@ -397,26 +396,44 @@ bool Encode(const Pixels& in, std::vector<uint8_t>& out, bool adaptive, int32_t 
   const bool anyClear = std::find(colours.begin(), colours.end(), -1) != colours.end();
   const size_t slots = anyClear ? 255 : 256;
 
-  // The exact palette when the picture's colours fit, in order of appearance.
+  // The exact palette when the picture's colours fit, in order of appearance,
+  // looked up through a small open-addressed table: a picture's worth of
+  // pixels goes through it.
   std::vector<int32_t> palette;
-  std::unordered_map<int32_t, uint8_t> exact;
+  std::vector<uint8_t> indexes(colours.size());
+  std::array<int32_t, 1024> keys;
+  std::array<uint8_t, 1024> values{};
+  keys.fill(-1);
   bool fits = true;
-  for (int32_t c : colours) {
-    if (c < 0 || exact.count(c)) continue;
-    if (palette.size() == slots) {
-      fits = false;
-      break;
+  int32_t last = -1;
+  uint8_t lastIndex = 0;
+  for (size_t i = 0; i < colours.size() && fits; ++i) {
+    const int32_t c = colours[i];
+    if (c < 0) continue;
+    if (c == last) {
+      indexes[i] = lastIndex;
+      continue;
     }
-    exact.emplace(c, static_cast<uint8_t>(palette.size()));
-    palette.push_back(c);
+    size_t slot = (static_cast<uint32_t>(c) * 2654435761u) >> 22;
+    while (keys[slot] >= 0 && keys[slot] != c) slot = (slot + 1) & 1023;
+    if (keys[slot] < 0) {
+      if (palette.size() == slots) {
+        fits = false;
+        break;
+      }
+      keys[slot] = c;
+      values[slot] = static_cast<uint8_t>(palette.size());
+      palette.push_back(c);
+    }
+    last = c;
+    lastIndex = indexes[i] = values[slot];
   }
 
-  std::vector<uint8_t> indexes(colours.size());
   if (fits) {
     if (palette.empty()) palette.push_back(0);
     const auto clearIndex = static_cast<uint8_t>(palette.size());
     for (size_t i = 0; i < colours.size(); ++i) {
-      indexes[i] = colours[i] < 0 ? clearIndex : exact[colours[i]];
+      if (colours[i] < 0) indexes[i] = clearIndex;
     }
   } else if (adaptive) {
     std::vector<uint8_t> binToEntry;
