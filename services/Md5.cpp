@@ -19,7 +19,24 @@ const std::array<uint32_t, 64> kSine = [] {
   return t;
 }();
 
-constexpr int kShift[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
+// Per step: which message word it mixes in and how far it rotates.
+struct Schedule {
+  std::array<int, 64> word;
+  std::array<int, 64> shift;
+};
+constexpr Schedule kSchedule = [] {
+  constexpr int shifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
+  Schedule s{};
+  for (int i = 0; i < 64; ++i) {
+    const int round = i / 16;
+    s.word[static_cast<size_t>(i)] = round == 0   ? i
+                                     : round == 1 ? (5 * i + 1) % 16
+                                     : round == 2 ? (3 * i + 5) % 16
+                                                  : (7 * i) % 16;
+    s.shift[static_cast<size_t>(i)] = shifts[round][i % 4];
+  }
+  return s;
+}();
 
 constexpr uint32_t Rotl(uint32_t x, int n) {
   return x << n | x >> (32 - n);
@@ -40,17 +57,21 @@ void Md5::Transform(const uint8_t* block) {
   uint32_t a = state_[0], b = state_[1], c = state_[2], d = state_[3];
   // Each step mixes one word into a and rotates the roles; the four rounds
   // differ in their function, word order and shifts.
-  auto step = [&](uint32_t f, int i, int word, int shift) {
-    const uint32_t t = a + f + x[word] + kSine[static_cast<size_t>(i)];
+  auto step = [&](uint32_t f, size_t i) {
+    const uint32_t t = a + f + x[kSchedule.word[i]] + kSine[i];
     a = d;
     d = c;
     c = b;
-    b = b + Rotl(t, shift);
+    b = b + Rotl(t, kSchedule.shift[i]);
   };
-  for (int i = 0; i < 16; ++i) step((b & c) | (~b & d), i, i, kShift[0][i % 4]);
-  for (int i = 16; i < 32; ++i) step((b & d) | (c & ~d), i, (5 * i + 1) % 16, kShift[1][i % 4]);
-  for (int i = 32; i < 48; ++i) step(b ^ c ^ d, i, (3 * i + 5) % 16, kShift[2][i % 4]);
-  for (int i = 48; i < 64; ++i) step(c ^ (b | ~d), i, (7 * i) % 16, kShift[3][i % 4]);
+#pragma GCC unroll 16
+  for (size_t i = 0; i < 16; ++i) step((b & c) | (~b & d), i);
+#pragma GCC unroll 16
+  for (size_t i = 16; i < 32; ++i) step((b & d) | (c & ~d), i);
+#pragma GCC unroll 16
+  for (size_t i = 32; i < 48; ++i) step(b ^ c ^ d, i);
+#pragma GCC unroll 16
+  for (size_t i = 48; i < 64; ++i) step(c ^ (b | ~d), i);
   state_[0] += a;
   state_[1] += b;
   state_[2] += c;

@@ -74,6 +74,7 @@ String HexNoLeadingZeros(uint32_t v) {
 
 // The character's byte in the ANSI code page, as the platform's Asc gives it.
 uint8_t AnsiByte(char16_t c) {
+  if (c < 0x80) return static_cast<uint8_t>(c);
   const int b = CharToAnsi(c);
   return b < 0 ? static_cast<uint8_t>('?') : static_cast<uint8_t>(b);
 }
@@ -136,7 +137,12 @@ String VT::VT_Decriptografar(const String& Texto, const String& Chave) const {
 
 String VT::VT_CRC32(const String& Texto) const {
   uint32_t reg = Crc32::Start();
-  for (const char16_t c : Texto) reg = Crc32::Update(reg, static_cast<uint8_t>(c & 0xFF));
+  uint8_t chunk[256];
+  for (size_t at = 0; at < Texto.size(); at += sizeof chunk) {
+    const size_t n = std::min(sizeof chunk, Texto.size() - at);
+    for (size_t i = 0; i < n; ++i) chunk[i] = static_cast<uint8_t>(Texto[at + i] & 0xFF);
+    reg = Crc32::Update(reg, std::span<const uint8_t>(chunk, n));
+  }
   return HexNoLeadingZeros(Crc32::Finish(reg));
 }
 
