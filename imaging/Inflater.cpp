@@ -624,7 +624,7 @@ bool Inflater::Uncompress(std::span<const uint8_t> in, std::vector<uint8_t>& out
   inflater.Start(in, wrapper, checkAdler);
   size_t pos = 0;
   try {
-    out.resize(std::min(limit, std::max<size_t>(4096, in.size() * 4)));
+    out.resize(std::min(limit, std::max<size_t>(65536, in.size() * 4)));
     for (;;) {
       inflater.Decode(out.data(), pos, out.size());
       if (inflater.state_ == State::Done) break;

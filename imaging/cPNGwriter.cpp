@@ -208,30 +208,33 @@ inline uint32_t Weight(uint8_t v) {
   return v < 128 ? v : 256u - v;
 }
 
-// The filter's predictor for byte i; `cur` and `prev` have `bpp` zero bytes
-// in front.
+// The filter's predictor for byte i. `left` and `upperLeft` are the rows
+// one pixel back, which the rows' zero lead makes readable from the start.
 template <int F>
-inline uint8_t Predict(const uint8_t* cur, const uint8_t* prev, size_t i, size_t bpp) {
+inline uint8_t Predict(const uint8_t* left, const uint8_t* up, const uint8_t* upperLeft, size_t i) {
   if constexpr (F == 0) return 0;
-  if constexpr (F == 1) return cur[i - bpp];
-  if constexpr (F == 2) return prev[i];
-  if constexpr (F == 3) return static_cast<uint8_t>((uint32_t{cur[i - bpp]} + prev[i]) >> 1);
-  if constexpr (F == 4)
-    return static_cast<uint8_t>(PaethPredict(cur[i - bpp], prev[i], prev[i - bpp]));
+  if constexpr (F == 1) return left[i];
+  if constexpr (F == 2) return up[i];
+  if constexpr (F == 3) return static_cast<uint8_t>((uint32_t{left[i]} + up[i]) >> 1);
+  if constexpr (F == 4) return static_cast<uint8_t>(PaethPredict(left[i], up[i], upperLeft[i]));
 }
 
 template <int F>
 uint64_t FilterSum(const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp) {
+  const uint8_t* left = cur - bpp;
+  const uint8_t* upperLeft = prev - bpp;
   uint64_t sum = 0;
   for (size_t i = 0; i < n; ++i)
-    sum += Weight(static_cast<uint8_t>(cur[i] - Predict<F>(cur, prev, i, bpp)));
+    sum += Weight(static_cast<uint8_t>(cur[i] - Predict<F>(left, prev, upperLeft, i)));
   return sum;
 }
 
 template <int F>
 void FilterInto(const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp, uint8_t* out) {
+  const uint8_t* left = cur - bpp;
+  const uint8_t* upperLeft = prev - bpp;
   for (size_t i = 0; i < n; ++i)
-    out[i] = static_cast<uint8_t>(cur[i] - Predict<F>(cur, prev, i, bpp));
+    out[i] = static_cast<uint8_t>(cur[i] - Predict<F>(left, prev, upperLeft, i));
 }
 
 void ApplyFilter(int filter, const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp,
@@ -549,11 +552,7 @@ bool cPNGwriter::Save(const Pixels& picture, std::vector<uint8_t>& out, int leve
         std::swap(cur, prev);
       }
     }
-    std::vector<uint8_t> idat;
-    if (!Compress(raw.data(), raw.size(), idat, level)) return false;
-    raw = std::vector<uint8_t>();
-
-    out.reserve(idat.size() + 1024);
+    out.reserve(compressBound(static_cast<uLong>(raw.size())) + 1024);
     static constexpr uint8_t kSignature[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
     out.insert(out.end(), kSignature, kSignature + 8);
     std::vector<uint8_t> ihdr;
@@ -608,7 +607,29 @@ bool cPNGwriter::Save(const Pixels& picture, std::vector<uint8_t>& out, int leve
       }
     }
 
-    WriteChunk(out, "IDAT", idat);
+    // The compressed rows go straight into their chunk.
+    {
+      const size_t at = out.size();
+      uLongf size = compressBound(static_cast<uLong>(raw.size()));
+      out.resize(at + 8 + size);
+      if (compress2(out.data() + at + 8, &size, raw.data(), static_cast<uLong>(raw.size()),
+                    level) != Z_OK) {
+        out.clear();
+        return false;
+      }
+      out.resize(at + 8 + size);
+      const uint8_t head[8] = {static_cast<uint8_t>(size >> 24),
+                               static_cast<uint8_t>(size >> 16),
+                               static_cast<uint8_t>(size >> 8),
+                               static_cast<uint8_t>(size),
+                               'I',
+                               'D',
+                               'A',
+                               'T'};
+      std::memcpy(out.data() + at, head, 8);
+      AppendBe32(out, static_cast<uint32_t>(crc32_z(0L, out.data() + at + 4, 4 + size)));
+      raw = std::vector<uint8_t>();
+    }
 
     if (flags_ & Png_DateTimeModified) {
       std::vector<uint8_t> time;

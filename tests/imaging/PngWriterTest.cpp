@@ -306,7 +306,7 @@ TEST(PngWriter, FilterMethodsGiveTheirFilterBytes) {
       for (int x = 0; x < 90; ++x) {
         uint8_t* d = p.Row(y) + 4 * x;
         const int kind = y % 4;
-        d[3] = alpha == Alpha_None ? 255 : static_cast<uint8_t>(128 + (x + y) % 128);
+        d[3] = static_cast<uint8_t>(alpha == Alpha_None ? 255 : 128 + (x + y) % 128);
         for (int c = 0; c < 3; ++c) {
           int v = kind == 0   ? x * 2
                   : kind == 1 ? y * 5
