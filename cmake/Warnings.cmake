@@ -4,10 +4,11 @@ function(vantor_warnings target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 reports -Wrestrict inside libstdc++'s own string concatenation at
     # -O2 (GCC bug 105329), a false alarm that would fail every release build.
-    # It likewise reports -Warray-bounds inside std::vector's insert when the
+    # It likewise reports -Warray-bounds and -Wstringop-* inside std::vector's insert when the
     # optimiser inlines it into a caller with a fixed size (GCC bug 107852).
     # Real bounds errors are the sanitizer build's to find.
-    target_compile_options(${target} PRIVATE -Wno-restrict -Wno-array-bounds)
+    target_compile_options(${target} PRIVATE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow
+      -Wno-stringop-overread)
   endif()
   if(VANTOR_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
