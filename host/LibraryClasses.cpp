@@ -1,5 +1,11 @@
 #include "host/LibraryClasses.h"
 
+#include "imaging/IItemData.h"
+#include "imaging/USImageList.h"
+#include "imaging/cImageList.h"
+#include "imaging/cImageLists.h"
+#include "imaging/cListImage.h"
+#include "imaging/cListImages.h"
 #include "services/VT.h"
 #include "services/VT_COMMONDIALOGS.h"
 #include "services/VT_ZLIB.h"
@@ -11,6 +17,12 @@ void RegisterLibraryClasses() {
     services::VT::Register();
     services::VT_ZLIB::Register();
     services::VT_COMMONDIALOGS::Register();
+    imaging::USImageList::Register();
+    imaging::cImageLists::Register();
+    imaging::cImageList::Register();
+    imaging::cListImages::Register();
+    imaging::cListImage::Register();
+    imaging::IItemData::Register();
     return true;
   }();
   (void)done;
