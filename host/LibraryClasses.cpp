@@ -1,5 +1,6 @@
 #include "host/LibraryClasses.h"
 
+#include "frame/clsMouseEvents.h"
 #include "imaging/IItemData.h"
 #include "imaging/USImageList.h"
 #include "imaging/cImageList.h"
@@ -14,6 +15,7 @@ namespace vantor::host {
 
 void RegisterLibraryClasses() {
   static const bool done = [] {
+    frame::clsMouseEvents::Register();
     services::VT::Register();
     services::VT_ZLIB::Register();
     services::VT_COMMONDIALOGS::Register();
