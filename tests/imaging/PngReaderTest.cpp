@@ -26,7 +26,7 @@ class WithoutZlib {
   ~WithoutZlib() { cPNGparser::SimulateZlibAbsent(false); }
 };
 
-struct Spec {
+struct PngCase {
   int width = 8, height = 8;
   int colorType = 6, bitDepth = 8;
   int interlace = 0;
@@ -38,7 +38,7 @@ struct Spec {
   uint32_t seed = 1;
 };
 
-std::string Describe(const Spec& s) {
+std::string Describe(const PngCase& s) {
   char buf[160];
   std::snprintf(buf, sizeof buf, "%dx%d type %d depth %d interlace %d trns %d level %d strategy %d",
                 s.width, s.height, s.colorType, s.bitDepth, s.interlace, s.trns, s.level,
@@ -58,7 +58,7 @@ void FlushNothing(png_structp) {}
 
 // A picture of random samples in the layout libpng writes, with a key
 // colour planted where the picture has one.
-std::vector<uint8_t> MakePng(const Spec& s) {
+std::vector<uint8_t> MakePng(const PngCase& s) {
   std::mt19937 rng(s.seed);
   const int channels = Channels(s.colorType);
   const size_t rowBytes = (static_cast<size_t>(s.width) * channels * s.bitDepth + 7) / 8;
@@ -242,7 +242,7 @@ std::string Difference(const Pixels& a, const Pixels& b) {
   return "";
 }
 
-void CheckAgainstLibpng(const Spec& s) {
+void CheckAgainstLibpng(const PngCase& s) {
   SCOPED_TRACE(Describe(s));
   const std::vector<uint8_t> file = MakePng(s);
   ASSERT_FALSE(file.empty());
@@ -271,7 +271,7 @@ TEST(PngReader, EveryColourTypeDepthAndInterlaceMatchesLibpng) {
         for (bool trns : {false, true}) {
           if (trns && (type == 4 || type == 6)) continue;
           for (const auto& [w, h] : sizes) {
-            Spec s;
+            PngCase s;
             s.width = w, s.height = h, s.colorType = type, s.bitDepth = depth;
             s.interlace = interlace, s.trns = trns, s.seed = seed++;
             CheckAgainstLibpng(s);
@@ -301,7 +301,7 @@ TEST(PngReader, EveryDeflateBlockKindAndManyIdatChunks) {
   uint32_t seed = 1000;
   for (const auto& c : cases) {
     for (int type : {0, 2, 3, 6}) {
-      Spec s;
+      PngCase s;
       s.width = 300, s.height = 40, s.colorType = type, s.bitDepth = type == 0 ? 16 : 8;
       s.level = c.level, s.strategy = c.strategy, s.idatSize = c.idat, s.seed = seed++;
       s.interlace = type == 3;
@@ -311,7 +311,7 @@ TEST(PngReader, EveryDeflateBlockKindAndManyIdatChunks) {
 }
 
 TEST(PngReader, GammaBeforeThePaletteIsSkippedAndNotApplied) {
-  Spec s;
+  PngCase s;
   s.width = 20, s.height = 20, s.colorType = 3, s.bitDepth = 4, s.gamma = true;
   const std::vector<uint8_t> file = MakePng(s);
   // libpng puts gAMA ahead of PLTE.
@@ -455,7 +455,7 @@ TEST(PngReader, PartialAlphaIsPremultipliedAndComplex) {
 }
 
 TEST(PngReader, BadCrcLoadsOnlyWithoutZlib) {
-  Spec s;
+  PngCase s;
   s.width = 16, s.height = 16, s.colorType = 2;
   const std::vector<uint8_t> good = MakePng(s);
   // Spoil the CRC of IHDR, then separately that of the first IDAT.
@@ -592,7 +592,7 @@ TEST(PngReader, FilteredFirstBytesOfSubByteRows) {
 }
 
 TEST(PngReader, AStartAndLengthPickTheFileOutOfLargerBytes) {
-  Spec s;
+  PngCase s;
   s.width = 5, s.height = 4, s.colorType = 6;
   const std::vector<uint8_t> file = MakePng(s);
   std::vector<uint8_t> padded(13, 0xAA);
@@ -612,7 +612,7 @@ TEST(PngReader, AStartAndLengthPickTheFileOutOfLargerBytes) {
 TEST(PngReader, FilesOfFiftySixBytesOrFewerAreNotLookedAt) {
   const auto dir = std::filesystem::temp_directory_path() / "vantor_png_reader_test";
   std::filesystem::create_directories(dir);
-  Spec s;
+  PngCase s;
   s.width = 6, s.height = 6, s.colorType = 2;
   const std::vector<uint8_t> file = MakePng(s);
   auto write = [&](const char* name, const std::vector<uint8_t>& bytes) {
