@@ -130,6 +130,7 @@ class UserControlTest : public ::testing::Test {
     probe_ = std::make_shared<Probe>();
     RECT r{10, 10, 110, 40};
     ASSERT_TRUE(probe_->Create(&site_, host_, r));
+    probe_->InitNew();
     ShowWindow(probe_->hWnd(), SW_SHOW);
     screen_.Pump();
   }
@@ -154,9 +155,11 @@ class UserControlTest : public ::testing::Test {
 };
 
 TEST_F(UserControlTest, LifecycleEventsInOrder) {
-  ASSERT_GE(probe_->log.size(), 2u);
+  // The first Resize follows the properties, so that layout sees them.
+  ASSERT_GE(probe_->log.size(), 3u);
   EXPECT_EQ(probe_->log[0], "Initialize");
-  EXPECT_EQ(probe_->log[1], "Resize 100x30");
+  EXPECT_EQ(probe_->log[1], "InitProperties");
+  EXPECT_EQ(probe_->log[2], "Resize 100x30");
   probe_->InitNew();
   PropertyBag bag;
   probe_->Save(bag);
