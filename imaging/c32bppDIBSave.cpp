@@ -10,6 +10,7 @@
 #include "imaging/cBMPparser.h"
 #include "imaging/cGDIPlus.h"
 #include "imaging/cGIFparser.h"
+#include "imaging/cJPGWriter.h"
 #include "imaging/cPNGparser.h"
 #include "imaging/cPNGwriter.h"
 
@@ -84,17 +85,16 @@ bool c32bppDIB::SaveToStream_PNG(std::vector<uint8_t>& outStream) {
 bool c32bppDIB::SaveToStream_JPG(std::vector<uint8_t>& outStream, int32_t Quality,
                                  OLE_COLOR FillColor) {
   outStream.clear();
-  if (bits_ == nullptr) return false;
-  (void)FillColor;
+  Pixels pixels;
+  if (!CopyToPixels(pixels)) return false;
   if (get_isGDIplusEnabled()) {
-    Pixels pixels;
-    if (!CopyToPixels(pixels)) return false;
     if (!gdiPlus_) gdiPlus_ = std::make_unique<cGDIPlus>();
     const bool ok = gdiPlus_->SavePicture(pixels, "image/jpeg", Quality, outStream);
     if (!keepGdiPlus_) gdiPlus_.reset();
     if (ok) return true;
   }
-  // The JPEG writer is not part of the library yet.
+  // Our own writer lays transparency over the fill colour itself.
+  if (cJPGWriter().Save(pixels, outStream, Quality, FillColor)) return true;
   outStream.clear();
   return false;
 }
