@@ -18,6 +18,7 @@
 #include "runtime/Strings.h"
 #include "tools/vantor/CallCommand.h"
 #include "tools/vantor/DemoWindow.h"
+#include "tools/vantor/ImageCommand.h"
 #include "tools/vantor/TypeLibCommand.h"
 
 using namespace vantor;
@@ -59,7 +60,11 @@ int Usage() {
       "    @PATH the file's bytes, anything else a String; --str ARG takes ARG as a String;\n"
       "    NAME:=ARG is a named argument, after the positional ones. Results print as the\n"
       "    locale writes them, byte arrays in hexadecimal; then each by-reference parameter\n"
-      "    as NAME = VALUE. Exit status: 0 done, 1 the call failed, 2 a malformed command.\n");
+      "    as NAME = VALUE. Exit status: 0 done, 1 the call failed, 2 a malformed command.\n"
+      "  image info FILE         a picture's Width, Height, ImageType and Alpha\n"
+      "  image convert [--quality N] [--filter N] IN OUT\n"
+      "                          read IN as the surface reads pictures, write OUT by its\n"
+      "                          extension: .png (--filter 0-6), .bmp, .gif, .jpg (--quality 1-100)\n");
   return 2;
 }
 
@@ -124,6 +129,12 @@ int main(int argc, char** argv) {
     vantor::host::RegisterLibraryClasses();
     const int status = cmd == "typelib" ? vantor::tools::RunTypeLib(rest, std::cout, std::cerr)
                                         : vantor::tools::RunCall(rest, std::cout, std::cerr);
+    std::cout.flush();
+    return status;
+  }
+  if (cmd == "image") {
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    const int status = vantor::tools::RunImage(rest, std::cout, std::cerr);
     std::cout.flush();
     return status;
   }
