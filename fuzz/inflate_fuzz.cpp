@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::span<const uint8_t> stream(data + 1, size - 1);
   const bool raw = (config & 1) != 0;
   const auto wrapper = raw ? Inflater::Wrapper::Raw : Inflater::Wrapper::Zlib;
-  const size_t pieceSize = size_t{1} << ((config >> 1) & 7);     // 1 to 128
+  const size_t pieceSize = size_t{1} << ((config >> 1) & 7);      // 1 to 128
   const size_t portion = size_t{1} << (((config >> 4) & 7) * 2);  // 1 to 4096
 
   std::vector<uint8_t> whole;

@@ -3,11 +3,17 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <new>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "platform/User.h"
 #include "runtime/DateTime.h"
@@ -165,25 +171,22 @@ class ColorTable {
       slot = (slot + 1) & (kSlots - 1);
     }
   }
-  int Find(uint32_t color) const {
-    size_t slot = Hash(color);
-    while (used_[slot]) {
-      if (keys_[slot] == color) return index_[slot];
-      slot = (slot + 1) & (kSlots - 1);
-    }
-    return -1;
-  }
   const std::vector<uint32_t>& Colors() const { return colors_; }
   // Puts the colours that are not opaque first, so that tRNS stays short,
-  // keeping the order in which they were met otherwise.
-  void OrderTransparentFirst() {
-    std::stable_partition(colors_.begin(), colors_.end(),
-                          [](uint32_t c) { return (c >> 24) != 0xFF; });
-    for (size_t i = 0; i < colors_.size(); ++i) {
-      size_t slot = Hash(colors_[i]);
-      while (keys_[slot] != colors_[i]) slot = (slot + 1) & (kSlots - 1);
-      index_[slot] = static_cast<uint16_t>(i);
-    }
+  // keeping the order in which they were met otherwise. Gives each old
+  // index its new one.
+  std::array<uint8_t, 256> OrderTransparentFirst() {
+    std::array<uint8_t, 256> moved{};
+    std::vector<uint32_t> reordered;
+    reordered.reserve(colors_.size());
+    for (bool opaque : {false, true})
+      for (size_t i = 0; i < colors_.size(); ++i)
+        if (((colors_[i] >> 24) == 0xFF) == opaque) {
+          moved[i] = static_cast<uint8_t>(reordered.size());
+          reordered.push_back(colors_[i]);
+        }
+    colors_ = std::move(reordered);
+    return moved;
   }
 
  private:
@@ -193,6 +196,88 @@ class ColorTable {
   uint16_t index_[kSlots] = {};
   std::vector<uint32_t> colors_;
 };
+
+// Each pixel's palette index, in `indexes`; false once a 257th colour shows.
+// A run of one colour costs a comparison of the pixel's bytes. (Kept out of
+// line: inside Save the loop ran out of registers.)
+[[gnu::noinline]] bool CollectIndexes(const Pixels& picture, bool hasAlpha, ColorTable& table,
+                                      std::vector<uint8_t>& indexes) {
+  const size_t width = static_cast<size_t>(picture.width);
+  indexes.resize(width * static_cast<size_t>(picture.height));
+  uint8_t* index = indexes.data();
+  // The alpha byte, set when it is not to be looked at.
+  const uint32_t ignored = hasAlpha                                     ? 0
+                           : std::endian::native == std::endian::little ? 0xFF000000u
+                                                                        : 0xFFu;
+  // The first pixel starts the first run.
+  uint32_t lastBytes;
+  std::memcpy(&lastBytes, picture.Row(0), 4);
+  lastBytes |= ignored;
+  const int first = table.Add(Straight(picture.Row(0), hasAlpha));
+  uint8_t lastIndex = static_cast<uint8_t>(first);
+  for (int32_t y = 0; y < picture.height; ++y) {
+    const uint8_t* p = picture.Row(y);
+    size_t x = 0;
+    while (x < width) {
+#if defined(__SSE2__)
+      // Four pixels at a time while they continue the run.
+      const __m128i run = _mm_set1_epi32(static_cast<int>(lastBytes));
+      const __m128i mask = _mm_set1_epi32(static_cast<int>(ignored));
+      for (; x + 4 <= width; x += 4, p += 16, index += 4) {
+        const __m128i v = _mm_or_si128(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), mask);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi32(v, run)) != 0xFFFF) break;
+        std::memset(index, lastIndex, 4);
+      }
+      if (x == width) break;
+#endif
+      uint32_t bytes;
+      std::memcpy(&bytes, p, 4);
+      bytes |= ignored;
+      if (bytes != lastBytes) {
+        const int found = table.Add(Straight(p, hasAlpha));
+        if (found < 0) return false;
+        lastBytes = bytes;
+        lastIndex = static_cast<uint8_t>(found);
+      }
+      *index++ = lastIndex;
+      ++x;
+      p += 4;
+    }
+  }
+  return true;
+}
+
+// One palette row packed at `bitDepth` bits a pixel, high bits first.
+[[gnu::noinline]] void PackIndexes(const uint8_t* index, size_t width, uint32_t bitDepth,
+                                   const std::array<uint8_t, 256>& moved, uint8_t* out) {
+  size_t x = 0;
+  switch (bitDepth) {
+    case 8:
+      for (; x < width; ++x) out[x] = moved[index[x]];
+      return;
+    case 4:
+      for (; x + 2 <= width; x += 2)
+        *out++ = static_cast<uint8_t>(moved[index[x]] << 4 | moved[index[x + 1]]);
+      break;
+    case 2:
+      for (; x + 4 <= width; x += 4)
+        *out++ = static_cast<uint8_t>(moved[index[x]] << 6 | moved[index[x + 1]] << 4 |
+                                      moved[index[x + 2]] << 2 | moved[index[x + 3]]);
+      break;
+    default:
+      break;
+  }
+  const uint32_t perByte = 8u / bitDepth;
+  uint32_t acc = 0, k = 0;
+  for (; x < width; ++x) {
+    acc = acc << bitDepth | moved[index[x]];
+    if (++k == perByte) {
+      *out++ = static_cast<uint8_t>(acc);
+      acc = k = 0;
+    }
+  }
+  if (k != 0) *out = static_cast<uint8_t>(acc << (bitDepth * (perByte - k)));
+}
 
 inline int PaethPredict(int a, int b, int c) {
   const int pa = std::abs(b - c);
@@ -219,12 +304,70 @@ inline uint8_t Predict(const uint8_t* left, const uint8_t* up, const uint8_t* up
   if constexpr (F == 4) return static_cast<uint8_t>(PaethPredict(left[i], up[i], upperLeft[i]));
 }
 
+#if defined(__SSE2__)
+// Sixteen filtered bytes from position i. Filtering, unlike unfiltering,
+// looks only at the picture's own bytes, so every position is independent
+// and a row goes sixteen bytes at a time.
+template <int F>
+inline __m128i FilteredVector(const uint8_t* cur, const uint8_t* left, const uint8_t* up,
+                              const uint8_t* upperLeft, size_t i) {
+  auto load = [i](const uint8_t* p) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+  };
+  const __m128i x = load(cur);
+  if constexpr (F == 0) return x;
+  if constexpr (F == 1) return _mm_sub_epi8(x, load(left));
+  if constexpr (F == 2) return _mm_sub_epi8(x, load(up));
+  if constexpr (F == 3) {
+    // The rounded-up average, less the bit that rounded it up.
+    const __m128i a = load(left), b = load(up);
+    const __m128i floor =
+        _mm_sub_epi8(_mm_avg_epu8(a, b), _mm_and_si128(_mm_xor_si128(a, b), _mm_set1_epi8(1)));
+    return _mm_sub_epi8(x, floor);
+  }
+  if constexpr (F == 4) {
+    const __m128i zero = _mm_setzero_si128();
+    auto abs16 = [&](__m128i v) { return _mm_max_epi16(v, _mm_sub_epi16(zero, v)); };
+    auto select = [](__m128i mask, __m128i yes, __m128i no) {
+      return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+    };
+    auto half = [&](__m128i a, __m128i b, __m128i c) {  // 16-bit lanes
+      const __m128i bc = _mm_sub_epi16(b, c), ac = _mm_sub_epi16(a, c);
+      const __m128i pa = abs16(bc), pb = abs16(ac), pc = abs16(_mm_add_epi16(bc, ac));
+      const __m128i least = _mm_min_epi16(pa, _mm_min_epi16(pb, pc));
+      // a wins ties over b, b over c.
+      return select(_mm_cmpeq_epi16(pa, least), a, select(_mm_cmpeq_epi16(pb, least), b, c));
+    };
+    const __m128i a = load(left), b = load(up), c = load(upperLeft);
+    const __m128i lo =
+        half(_mm_unpacklo_epi8(a, zero), _mm_unpacklo_epi8(b, zero), _mm_unpacklo_epi8(c, zero));
+    const __m128i hi =
+        half(_mm_unpackhi_epi8(a, zero), _mm_unpackhi_epi8(b, zero), _mm_unpackhi_epi8(c, zero));
+    return _mm_sub_epi8(x, _mm_packus_epi16(lo, hi));
+  }
+}
+#endif
+
 template <int F>
 uint64_t FilterSum(const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp) {
   const uint8_t* left = cur - bpp;
   const uint8_t* upperLeft = prev - bpp;
   uint64_t sum = 0;
-  for (size_t i = 0; i < n; ++i)
+  size_t i = 0;
+#if defined(__SSE2__)
+  // A byte's weight is min(v, 256 - v); the sum of absolute differences
+  // from zero then adds sixteen weights at once.
+  const __m128i zero = _mm_setzero_si128();
+  __m128i total = zero;
+  for (; i + 16 <= n; i += 16) {
+    const __m128i v = FilteredVector<F>(cur, left, prev, upperLeft, i);
+    total = _mm_add_epi64(total, _mm_sad_epu8(_mm_min_epu8(v, _mm_sub_epi8(zero, v)), zero));
+  }
+  alignas(16) uint64_t halves[2];
+  _mm_store_si128(reinterpret_cast<__m128i*>(halves), total);
+  sum = halves[0] + halves[1];
+#endif
+  for (; i < n; ++i)
     sum += Weight(static_cast<uint8_t>(cur[i] - Predict<F>(left, prev, upperLeft, i)));
   return sum;
 }
@@ -233,8 +376,13 @@ template <int F>
 void FilterInto(const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp, uint8_t* out) {
   const uint8_t* left = cur - bpp;
   const uint8_t* upperLeft = prev - bpp;
-  for (size_t i = 0; i < n; ++i)
-    out[i] = static_cast<uint8_t>(cur[i] - Predict<F>(left, prev, upperLeft, i));
+  size_t i = 0;
+#if defined(__SSE2__)
+  for (; i + 16 <= n; i += 16)
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i),
+                     FilteredVector<F>(cur, left, prev, upperLeft, i));
+#endif
+  for (; i < n; ++i) out[i] = static_cast<uint8_t>(cur[i] - Predict<F>(left, prev, upperLeft, i));
 }
 
 void ApplyFilter(int filter, const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp,
@@ -274,6 +422,87 @@ int ChooseFilter(const uint8_t* cur, const uint8_t* prev, size_t n, size_t bpp) 
   }
   return chosen;
 }
+
+bool Failed(std::vector<uint8_t>& out) {
+  out.clear();
+  return false;
+}
+
+// The image data, deflated as the rows come and appended to `out` as one
+// IDAT chunk: each row is compressed while it is still in the cache, the CRC
+// taken while the compressed bytes are, and no copy of the whole filtered
+// picture is ever held.
+class IdatWriter {
+ public:
+  IdatWriter(std::vector<uint8_t>& out, int level, int memoryLevel, size_t rawSize)
+      : out_(out), start_(out.size()), room_(65536) {
+    out_.reserve(start_ + compressBound(static_cast<uLong>(rawSize)) + 1024);
+    out_.resize(start_ + 8);  // length and type, known at the end
+    batch_.reserve(kBatch + 65536);
+    ok_ = deflateInit2(&stream_, level, Z_DEFLATED, 15, memoryLevel, Z_DEFAULT_STRATEGY) == Z_OK;
+  }
+  ~IdatWriter() {
+    if (ok_) deflateEnd(&stream_);
+  }
+  IdatWriter(const IdatWriter&) = delete;
+  IdatWriter& operator=(const IdatWriter&) = delete;
+
+  // Room for one row: its filter byte, then `n` bytes, to be filled before
+  // the next call. Null when compression failed.
+  uint8_t* NextRow(size_t n) {
+    if (batch_.size() >= kBatch && !Deflate(Z_NO_FLUSH)) return nullptr;
+    const size_t at = batch_.size();
+    batch_.resize(at + 1 + n);
+    return batch_.data() + at;
+  }
+  bool Finish() {
+    if (!Deflate(Z_FINISH)) return false;
+    const size_t size = out_.size() - start_ - 8;
+    if (size > 0x7FFFFFFFu) return false;
+    const uint8_t head[8] = {static_cast<uint8_t>(size >> 24),
+                             static_cast<uint8_t>(size >> 16),
+                             static_cast<uint8_t>(size >> 8),
+                             static_cast<uint8_t>(size),
+                             'I',
+                             'D',
+                             'A',
+                             'T'};
+    std::memcpy(out_.data() + start_, head, 8);
+    AppendBe32(out_, static_cast<uint32_t>(crc_));
+    return true;
+  }
+
+ private:
+  static constexpr size_t kBatch = 32768;
+
+  bool Deflate(int flush) {
+    if (!ok_) return false;
+    stream_.next_in = batch_.data();
+    stream_.avail_in = static_cast<uInt>(batch_.size());
+    for (;;) {
+      stream_.next_out = room_.data();
+      stream_.avail_out = static_cast<uInt>(room_.size());
+      const int result = deflate(&stream_, flush);
+      if (result == Z_STREAM_ERROR) return false;
+      const size_t made = room_.size() - stream_.avail_out;
+      crc_ = crc32_z(crc_, room_.data(), made);
+      out_.insert(out_.end(), room_.data(), room_.data() + made);
+      if (flush == Z_FINISH ? result == Z_STREAM_END
+                            : stream_.avail_in == 0 && stream_.avail_out != 0)
+        break;
+    }
+    batch_.clear();
+    return true;
+  }
+
+  std::vector<uint8_t>& out_;
+  size_t start_;
+  std::vector<uint8_t> room_;
+  std::vector<uint8_t> batch_;
+  z_stream stream_{};
+  uLong crc_ = crc32(0L, reinterpret_cast<const Bytef*>("IDAT"), 4);
+  bool ok_ = false;
+};
 
 }  // namespace
 
@@ -458,27 +687,16 @@ bool cPNGwriter::Save(const Pixels& picture, std::vector<uint8_t>& out, int leve
     // The colour form: a palette when the colours fit, unless alpha varies.
     auto table = std::make_unique<ColorTable>();
     bool palette = picture.alpha != Alpha_Complex;
-    if (palette) {
-      uint32_t last = 0;
-      bool haveLast = false;
-      for (uint32_t y = 0; y < height && palette; ++y) {
-        const uint8_t* p = picture.Row(static_cast<int32_t>(y));
-        for (uint32_t x = 0; x < width; ++x, p += 4) {
-          const uint32_t c = Straight(p, hasAlpha);
-          if (haveLast && c == last) continue;
-          last = c;
-          haveLast = true;
-          if (table->Add(c) < 0) {
-            palette = false;
-            break;
-          }
-        }
-      }
+    std::vector<uint8_t> indexes;
+    if (palette && !CollectIndexes(picture, hasAlpha, *table, indexes)) {
+      palette = false;
+      indexes = std::vector<uint8_t>();
     }
     uint8_t colorType, bitDepth = 8;
     size_t channels;
+    std::array<uint8_t, 256> moved{};
     if (palette) {
-      table->OrderTransparentFirst();
+      moved = table->OrderTransparentFirst();
       const size_t n = table->Colors().size();
       bitDepth = n <= 2 ? 1 : n <= 4 ? 2 : n <= 16 ? 4 : 8;
       colorType = 3;
@@ -488,71 +706,6 @@ bool cPNGwriter::Save(const Pixels& picture, std::vector<uint8_t>& out, int leve
       channels = hasAlpha ? 4 : 3;
     }
 
-    // Filtered rows, each after its filter byte.
-    const size_t rowBytes = (static_cast<size_t>(width) * channels * bitDepth + 7) / 8;
-    std::vector<uint8_t> raw((rowBytes + 1) * height);
-    if (palette) {
-      for (uint32_t y = 0; y < height; ++y) {
-        uint8_t* o = raw.data() + y * (rowBytes + 1);
-        *o++ = 0;  // palette rows are never filtered
-        const uint8_t* p = picture.Row(static_cast<int32_t>(y));
-        const uint32_t perByte = 8u / bitDepth;
-        uint32_t acc = 0, k = 0;
-        for (uint32_t x = 0; x < width; ++x, p += 4) {
-          const uint32_t index = static_cast<uint32_t>(table->Find(Straight(p, hasAlpha)));
-          acc = acc << bitDepth | index;
-          if (++k == perByte) {
-            *o++ = static_cast<uint8_t>(acc);
-            acc = k = 0;
-          }
-        }
-        if (k != 0) *o = static_cast<uint8_t>(acc << (bitDepth * (perByte - k)));
-      }
-    } else {
-      int method = filterMethod_ < Filter_Default || filterMethod_ > Filter_Adaptive
-                       ? Filter_Default
-                       : filterMethod_;
-      if (method == Filter_Default) method = Filter_Paeth;
-      constexpr size_t kLead = 8;  // zero bytes before each row: the "left" of its first pixel
-      const size_t bpp = channels;
-      std::vector<uint8_t> rowA(kLead + rowBytes), rowB(kLead + rowBytes);
-      uint8_t* cur = rowA.data() + kLead;
-      uint8_t* prev = rowB.data() + kLead;
-      const uint32_t* recip = Recip().m;
-      for (uint32_t y = 0; y < height; ++y) {
-        const uint8_t* p = picture.Row(static_cast<int32_t>(y));
-        uint8_t* s = cur;
-        if (!hasAlpha) {
-          for (uint32_t x = 0; x < width; ++x, p += 4, s += 3) {
-            s[0] = p[2];
-            s[1] = p[1];
-            s[2] = p[0];
-          }
-        } else {
-          for (uint32_t x = 0; x < width; ++x, p += 4, s += 4) {
-            const uint32_t a = p[3];
-            if (a == 255) {
-              s[0] = p[2], s[1] = p[1], s[2] = p[0], s[3] = 255;
-            } else if (a == 0) {
-              std::memset(s, 0, 4);
-            } else {
-              const uint32_t m = recip[a];
-              s[0] = Unpremultiply(p[2], m);
-              s[1] = Unpremultiply(p[1], m);
-              s[2] = Unpremultiply(p[0], m);
-              s[3] = static_cast<uint8_t>(a);
-            }
-          }
-        }
-        const int filter =
-            method == Filter_Adaptive ? ChooseFilter(cur, prev, rowBytes, bpp) : method - 1;
-        uint8_t* o = raw.data() + y * (rowBytes + 1);
-        o[0] = static_cast<uint8_t>(filter);
-        ApplyFilter(filter, cur, prev, rowBytes, bpp, o + 1);
-        std::swap(cur, prev);
-      }
-    }
-    out.reserve(compressBound(static_cast<uLong>(raw.size())) + 1024);
     static constexpr uint8_t kSignature[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
     out.insert(out.end(), kSignature, kSignature + 8);
     std::vector<uint8_t> ihdr;
@@ -607,29 +760,81 @@ bool cPNGwriter::Save(const Pixels& picture, std::vector<uint8_t>& out, int leve
       }
     }
 
-    // The compressed rows go straight into their chunk.
-    {
-      const size_t at = out.size();
-      uLongf size = compressBound(static_cast<uLong>(raw.size()));
-      out.resize(at + 8 + size);
-      if (compress2(out.data() + at + 8, &size, raw.data(), static_cast<uLong>(raw.size()),
-                    level) != Z_OK) {
-        out.clear();
-        return false;
+    // The rows, each filtered and deflated as it is made.
+    int method = filterMethod_ < Filter_Default || filterMethod_ > Filter_Adaptive ? Filter_Default
+                                                                                   : filterMethod_;
+    if (method == Filter_Default) method = Filter_Paeth;
+    const bool filtered = !palette && method != Filter_None;
+    const size_t rowBytes = (static_cast<size_t>(width) * channels * bitDepth + 7) / 8;
+    // zlib's largest hash (memory level 9) pays where rows go unfiltered and
+    // repeat themselves; filtered rows, near zero, do better with the usual 8.
+    IdatWriter idat(out, level, filtered || palette ? 8 : 9, (rowBytes + 1) * height);
+    if (palette) {
+      for (uint32_t y = 0; y < height; ++y) {
+        uint8_t* o = idat.NextRow(rowBytes);
+        if (!o) return Failed(out);
+        o[0] = 0;  // palette rows are never filtered
+        PackIndexes(indexes.data() + static_cast<size_t>(y) * width, width, bitDepth, moved, o + 1);
       }
-      out.resize(at + 8 + size);
-      const uint8_t head[8] = {static_cast<uint8_t>(size >> 24),
-                               static_cast<uint8_t>(size >> 16),
-                               static_cast<uint8_t>(size >> 8),
-                               static_cast<uint8_t>(size),
-                               'I',
-                               'D',
-                               'A',
-                               'T'};
-      std::memcpy(out.data() + at, head, 8);
-      AppendBe32(out, static_cast<uint32_t>(crc32_z(0L, out.data() + at + 4, 4 + size)));
-      raw = std::vector<uint8_t>();
+    } else {
+      constexpr size_t kLead = 8;  // zero bytes before each row: the "left" of its first pixel
+      const size_t bpp = channels;
+      // One spare byte after each row for the four-byte stores below.
+      std::vector<uint8_t> rowA(kLead + rowBytes + 1), rowB(kLead + rowBytes + 1);
+      uint8_t* cur = rowA.data() + kLead;
+      uint8_t* prev = rowB.data() + kLead;
+      const uint32_t* recip = Recip().m;
+      constexpr bool kLittle = std::endian::native == std::endian::little;
+      for (uint32_t y = 0; y < height; ++y) {
+        const uint8_t* p = picture.Row(static_cast<int32_t>(y));
+        uint8_t* s = cur;
+        if (!hasAlpha) {
+          for (uint32_t x = 0; x < width; ++x, p += 4, s += 3) {
+            if constexpr (kLittle) {
+              // Blue, green, red, alpha byte-swapped and shifted down is red,
+              // green, blue; the fourth byte lands on the next pixel, or on
+              // the row's spare byte.
+              uint32_t v;
+              std::memcpy(&v, p, 4);
+              v = __builtin_bswap32(v) >> 8;
+              std::memcpy(s, &v, 4);
+            } else {
+              s[0] = p[2], s[1] = p[1], s[2] = p[0];
+            }
+          }
+        } else {
+          for (uint32_t x = 0; x < width; ++x, p += 4, s += 4) {
+            const uint32_t a = p[3];
+            if (a == 255) {
+              if constexpr (kLittle) {
+                uint32_t v;
+                std::memcpy(&v, p, 4);
+                v = std::rotr(__builtin_bswap32(v), 8);  // red, green, blue, alpha
+                std::memcpy(s, &v, 4);
+              } else {
+                s[0] = p[2], s[1] = p[1], s[2] = p[0], s[3] = 255;
+              }
+            } else if (a == 0) {
+              std::memset(s, 0, 4);
+            } else {
+              const uint32_t m = recip[a];
+              s[0] = Unpremultiply(p[2], m);
+              s[1] = Unpremultiply(p[1], m);
+              s[2] = Unpremultiply(p[0], m);
+              s[3] = static_cast<uint8_t>(a);
+            }
+          }
+        }
+        const int filter =
+            method == Filter_Adaptive ? ChooseFilter(cur, prev, rowBytes, bpp) : method - 1;
+        uint8_t* o = idat.NextRow(rowBytes);
+        if (!o) return Failed(out);
+        o[0] = static_cast<uint8_t>(filter);
+        ApplyFilter(filter, cur, prev, rowBytes, bpp, o + 1);
+        std::swap(cur, prev);
+      }
     }
+    if (!idat.Finish()) return Failed(out);
 
     if (flags_ & Png_DateTimeModified) {
       std::vector<uint8_t> time;
