@@ -1,22 +1,11 @@
 #include "server/Dispatch.h"
 
-#include <cctype>
 #include <string>
 #include <vector>
 
 namespace vantor::server {
 
 namespace {
-
-bool SameName(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::tolower(static_cast<unsigned char>(a[i])) !=
-        std::tolower(static_cast<unsigned char>(b[i])))
-      return false;
-  }
-  return true;
-}
 
 bool Fail(int32_t number, const std::string& source, const std::string& description) {
   Err().Set(number, FromUtf8(source), FromUtf8(description));

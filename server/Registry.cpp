@@ -1,6 +1,5 @@
 #include "server/Registry.h"
 
-#include <cctype>
 #include <stdexcept>
 
 namespace vantor::server {
@@ -12,10 +11,8 @@ Registry& Registry::Instance() {
 
 std::string Registry::Key(std::string_view name) {
   const std::string prefix = std::string(TypeLibrary::kName) + ".";
-  std::string key(name);
-  for (char& c : key) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  std::string lowerPrefix = prefix;
-  for (char& c : lowerPrefix) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::string key = FoldName(name);
+  const std::string lowerPrefix = FoldName(prefix);
   if (key.size() > prefix.size() && key.compare(0, prefix.size(), lowerPrefix) == 0)
     key.erase(0, prefix.size());
   return key;

@@ -13,6 +13,12 @@ ParamInfo OptRef(std::string_view name, TypeRef type, Variant defaultValue) {
   return {name, type, true, true, std::move(defaultValue)};
 }
 
+std::vector<ParamInfo> KeyArgs() { return {Ref("KeyCode", td::Int), Ref("Shift", td::Int)}; }
+
+std::vector<ParamInfo> MouseArgs() {
+  return {Ref("Button", td::Int), Ref("Shift", td::Int), Ref("X", td::Single), Ref("Y", td::Single)};
+}
+
 using ClassBuilder = TableBuilder::ClassBuilder;
 
 ClassBuilder& ClassBuilder::Add(bool event, MemberInfo member) {

@@ -52,6 +52,12 @@ ParamInfo Ref(std::string_view name, TypeRef type);
 ParamInfo Opt(std::string_view name, TypeRef type, Variant defaultValue = {});
 ParamInfo OptRef(std::string_view name, TypeRef type, Variant defaultValue = {});
 
+// The container's key and mouse events reach the host with the container's
+// own argument types (16-bit codes and buttons, single-precision points), all
+// by reference so that a handler may change what the control sees next.
+std::vector<ParamInfo> KeyArgs();    // KeyCode, Shift
+std::vector<ParamInfo> MouseArgs();  // Button, Shift, X, Y
+
 class TableBuilder {
  public:
   class ClassBuilder {

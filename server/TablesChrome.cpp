@@ -4,13 +4,6 @@ namespace vantor::server {
 
 namespace {
 
-// The container's mouse events, forwarded with the shape they have on every
-// control: 16-bit button and shift, single-precision position, all writable.
-std::vector<ParamInfo> MouseArgs() {
-  return {Ref("Button", td::Int), Ref("Shift", td::Int), Ref("X", td::Single),
-          Ref("Y", td::Single)};
-}
-
 void AddRibbon(TableBuilder& lib) {
   // The host's item identifiers travel as numbers; the ribbon keeps them as
   // text internally, which is no concern of the interface.

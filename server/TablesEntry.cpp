@@ -11,17 +11,9 @@ namespace {
 
 using ClassBuilder = TableBuilder::ClassBuilder;
 
-// The container's key and mouse events reach the host as they do on the
-// button: 16-bit codes and pixel singles, all writable by the host's handler.
-std::vector<ParamInfo> KeyArgs() {
-  return {Ref("KeyCode", td::Int), Ref("Shift", td::Int)};
-}
+// KeyPress's one argument, writable like the other key arguments.
 std::vector<ParamInfo> KeyAsciiArgs() {
   return {Ref("KeyAscii", td::Int)};
-}
-std::vector<ParamInfo> MouseArgs() {
-  return {Ref("Button", td::Int), Ref("Shift", td::Int), Ref("X", td::Single),
-          Ref("Y", td::Single)};
 }
 
 // The parts of the control's Font, each settable on its own.

@@ -4,18 +4,6 @@ namespace vantor::server {
 
 namespace {
 
-// The container's key and mouse events reach the host with its own argument
-// types: 16-bit codes and buttons, single-precision coordinates, all by
-// reference so that a handler may change what the control sees next.
-std::vector<ParamInfo> KeyArgs() {
-  return {Ref("KeyCode", td::Int), Ref("Shift", td::Int)};
-}
-
-std::vector<ParamInfo> MouseArgs() {
-  return {Ref("Button", td::Int), Ref("Shift", td::Int), Ref("X", td::Single),
-          Ref("Y", td::Single)};
-}
-
 // The three optional sizes every image loader takes. Omitted they are 0,
 // which the loader replaces by the control's picture size.
 std::vector<ParamInfo> WithIconSizes(std::vector<ParamInfo> params) {

@@ -6,17 +6,6 @@ namespace vantor::server {
 
 namespace {
 
-// The container's key and mouse events reach the host with its own argument
-// types, all by reference so that a handler may change what the control sees.
-std::vector<ParamInfo> KeyArgs() {
-  return {Ref("KeyCode", td::Int), Ref("Shift", td::Int)};
-}
-
-std::vector<ParamInfo> MouseArgs() {
-  return {Ref("Button", td::Int), Ref("Shift", td::Int), Ref("X", td::Single),
-          Ref("Y", td::Single)};
-}
-
 // A drop hands over the host's data object and the effect it may change,
 // as the container's own drag-and-drop events do; a drag over the control
 // also tells whether it enters, leaves or moves.

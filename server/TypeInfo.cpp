@@ -4,8 +4,6 @@
 
 namespace vantor::server {
 
-namespace {
-
 bool SameName(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (size_t i = 0; i < a.size(); ++i) {
@@ -16,7 +14,11 @@ bool SameName(std::string_view a, std::string_view b) {
   return true;
 }
 
-}  // namespace
+std::string FoldName(std::string_view name) {
+  std::string f(name);
+  for (char& c : f) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return f;
+}
 
 VbVarType TypeRef::VarType() const {
   VbVarType v = vbVariant;

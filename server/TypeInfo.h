@@ -4,12 +4,18 @@
 // (Tables*.cpp) are the library's one description of its public face; the
 // dispatcher, the IDL writer and `vantor typelib` all read them.
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "runtime/Variant.h"
 
 namespace vantor::server {
+
+// Names of the type library compare without regard to case, as the
+// platform's dispatch does; ASCII is all they hold.
+bool SameName(std::string_view a, std::string_view b);
+std::string FoldName(std::string_view name);
 
 enum class BaseType : uint8_t {
   Void,

@@ -1,7 +1,6 @@
 #include "server/TypeLibrary.h"
 
 #include <algorithm>
-#include <cctype>
 #include <set>
 #include <utility>
 
@@ -11,17 +10,11 @@ namespace vantor::server {
 
 namespace {
 
-std::string Folded(std::string_view s) {
-  std::string f(s);
-  for (char& c : f) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return f;
-}
-
 template <class T>
 const T* FindNamed(const std::vector<T>& items, std::string_view name) {
-  const std::string key = Folded(name);
+  const std::string key = FoldName(name);
   for (const T& item : items) {
-    if (Folded(item.name) == key) return &item;
+    if (FoldName(item.name) == key) return &item;
   }
   return nullptr;
 }
@@ -76,7 +69,7 @@ const TypeLibrary& TypeLibrary::Get() {
     AddServiceTables(lib);
     AddPageTables(lib);
     std::sort(lib.classes.begin(), lib.classes.end(),
-              [](const ClassInfo& a, const ClassInfo& b) { return Folded(a.name) < Folded(b.name); });
+              [](const ClassInfo& a, const ClassInfo& b) { return FoldName(a.name) < FoldName(b.name); });
     return TypeLibrary(std::move(lib.classes), std::move(lib.enums), std::move(lib.records));
   }();
   return library;
@@ -84,7 +77,7 @@ const TypeLibrary& TypeLibrary::Get() {
 
 const ClassInfo* TypeLibrary::FindClass(std::string_view name) const {
   const std::string prefix = std::string(kName) + ".";
-  if (name.size() > prefix.size() && Folded(name.substr(0, prefix.size())) == Folded(prefix))
+  if (name.size() > prefix.size() && FoldName(name.substr(0, prefix.size())) == FoldName(prefix))
     name.remove_prefix(prefix.size());
   return FindNamed(classes_, name);
 }
@@ -112,7 +105,7 @@ std::vector<std::string> TypeLibrary::Problems() const {
       out.push_back(where + ": unknown class " + std::string(t.name));
   };
   auto unique = [&](std::set<std::string>& seen, std::string_view name, const std::string& where) {
-    if (!seen.insert(Folded(name)).second) out.push_back(where + ": duplicate name " + std::string(name));
+    if (!seen.insert(FoldName(name)).second) out.push_back(where + ": duplicate name " + std::string(name));
   };
 
   std::set<std::string> typeNames;
