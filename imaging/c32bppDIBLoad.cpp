@@ -16,6 +16,7 @@
 #include "imaging/cGIFparser.h"
 #include "imaging/cICOparser.h"
 #include "imaging/cPNGparser.h"
+#include "platform/FilePath.h"
 #include "platform/User.h"
 #include "server/StdPicture.h"
 
@@ -86,9 +87,10 @@ std::string LowerExtension(StringView fileName) {
 
 bool ReadWholeFile(StringView fileName, std::vector<uint8_t>& out) {
   out.clear();
-  if (fileName.empty()) return false;
+  const std::string native = platform::FilePath::Native(fileName);
+  if (native.empty()) return false;
   try {
-    const std::filesystem::path path(ToUtf8(fileName));
+    const std::filesystem::path path(native);
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) return false;
     const uintmax_t size = std::filesystem::file_size(path, error);

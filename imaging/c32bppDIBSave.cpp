@@ -13,13 +13,15 @@
 #include "imaging/cJPGWriter.h"
 #include "imaging/cPNGparser.h"
 #include "imaging/cPNGwriter.h"
+#include "platform/FilePath.h"
 
 namespace vantor::imaging {
 
 bool c32bppDIB::SaveCheck(StringView FileName) const {
-  if (FileName.empty() || bits_ == nullptr) return false;
+  const std::string native = platform::FilePath::Native(FileName);
+  if (native.empty() || bits_ == nullptr) return false;
   try {
-    const std::filesystem::path path(ToUtf8(FileName));
+    const std::filesystem::path path(native);
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) return false;
     std::filesystem::path folder = path.parent_path();
@@ -32,7 +34,8 @@ bool c32bppDIB::SaveCheck(StringView FileName) const {
 
 bool c32bppDIB::WriteFile(StringView FileName, const std::vector<uint8_t>& bytes) const {
   try {
-    std::ofstream file(std::filesystem::path(ToUtf8(FileName)), std::ios::binary | std::ios::trunc);
+    std::ofstream file(std::filesystem::path(platform::FilePath::Native(FileName)),
+                       std::ios::binary | std::ios::trunc);
     if (!file) return false;
     file.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));

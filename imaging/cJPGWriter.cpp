@@ -8,6 +8,7 @@
 #include <fstream>
 #include <new>
 
+#include "platform/FilePath.h"
 #include "platform/User.h"
 
 // The hot loops have a plain form and, where the processor is sure to have
@@ -719,7 +720,8 @@ bool cJPGWriter::Save(const Pixels& in, const String& fileName, int32_t Quality,
   std::vector<uint8_t> bytes;
   if (!Save(in, bytes, Quality, FillColor)) return false;
   try {
-    std::ofstream file(std::filesystem::path(ToUtf8(fileName)), std::ios::binary | std::ios::trunc);
+    std::ofstream file(std::filesystem::path(platform::FilePath::Native(fileName)),
+                       std::ios::binary | std::ios::trunc);
     if (!file) return false;
     file.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));

@@ -11,6 +11,7 @@
 #include <new>
 
 #include "imaging/Inflater.h"
+#include "platform/FilePath.h"
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -549,7 +550,8 @@ bool cPNGparser::LoadFile(const String& fileName, Pixels& out) {
   // the image data is inflated from there, not from a second copy.
   std::vector<uint8_t> data;
   try {
-    std::ifstream file(std::filesystem::path(fileName), std::ios::binary | std::ios::ate);
+    std::ifstream file(std::filesystem::path(platform::FilePath::Native(fileName)),
+                       std::ios::binary | std::ios::ate);
     if (!file) return false;
     const std::streamoff size = file.tellg();
     if (size <= 56) return false;

@@ -15,6 +15,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "platform/FilePath.h"
 #include "platform/User.h"
 #include "runtime/DateTime.h"
 
@@ -665,7 +666,8 @@ bool cPNGwriter::Save(const Pixels& picture, const String& fileName, int level) 
   std::vector<uint8_t> bytes;
   if (!Save(picture, bytes, level)) return false;
   try {
-    std::ofstream file(std::filesystem::path(fileName), std::ios::binary | std::ios::trunc);
+    std::ofstream file(std::filesystem::path(platform::FilePath::Native(fileName)),
+                       std::ios::binary | std::ios::trunc);
     if (!file) return false;
     file.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));

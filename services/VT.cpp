@@ -11,8 +11,8 @@ void VT::Register() {
   server::Registry::Instance().Register("VT", [] { return std::make_shared<VT>(); });
 }
 
-// The message boxes come with the themed dialog, and VT_CarregarImagem with
-// the picture surface; until then the dispatcher answers "not implemented".
+// The message boxes come with the themed dialog; until then the dispatcher
+// answers "not implemented".
 const server::Bindings* VT::Bound() const {
   static const server::Bindings bindings =
       server::Binder<VT>(Info())
@@ -78,6 +78,7 @@ const server::Bindings* VT::Bound() const {
           .Method("VT_CRC32", &VT::VT_CRC32)
           .Method("VT_MD5", &VT::VT_MD5)
           .Method("VT_ArquivoCRC32", &VT::VT_ArquivoCRC32)
+          .Method("VT_CarregarImagem", &VT::VT_CarregarImagem)
           .Done();
   return &bindings;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // The suite's toolbox: one stateless class whose members are named in
 // Portuguese, as the host's code calls them. Its members live in several
-// files by theme (VTText.cpp, VTDates.cpp, VTSystem.cpp, VTDigests.cpp);
+// files by theme (VTText.cpp, VTDates.cpp, VTSystem.cpp, VTDigests.cpp,
+// VTPictures.cpp);
 // VT.cpp ties them to the type library.
 //
 // Every member follows the service rule: it never raises; bad input gives
@@ -12,6 +13,7 @@
 #include "runtime/String.h"
 #include "runtime/Variant.h"
 #include "server/Dispatch.h"
+#include "server/StdPicture.h"
 
 namespace vantor::services {
 
@@ -86,6 +88,14 @@ class VT : public server::Dispatch {
   String VT_TraduzirDescricaoErro(int32_t NumeroErro) const;
   void VT_FormularioPiscar(int32_t hwnd, bool Piscar) const;
   void VT_FormularioNaBarraTarefas(int32_t hwnd) const;
+
+  // ---- pictures (VTPictures.cpp)
+  // The file's picture over CorDeFundo, at Largura x Altura (non-positive:
+  // the picture's own); ManterRelacao fits it inside, centred, and derives a
+  // side left unsized. Nothing for a file that does not load.
+  std::shared_ptr<server::StdPicture> VT_CarregarImagem(const String& Arquivo, int32_t Largura,
+                                                        int32_t Altura, OLE_COLOR CorDeFundo,
+                                                        bool ManterRelacao) const;
 
   // ---- cipher and digests (VTDigests.cpp)
   String VT_Criptografar(const String& Texto, const String& Chave) const;

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "runtime/Strings.h"
+#include "platform/FilePath.h"
 #include "services/Crc32.h"
 #include "services/Md5.h"
 #include "services/Skipjack.h"
@@ -79,13 +80,7 @@ uint8_t AnsiByte(char16_t c) {
   return b < 0 ? static_cast<uint8_t>('?') : static_cast<uint8_t>(b);
 }
 
-std::string NativePath(const String& path) {
-  std::string p = ToUtf8(path);
-#ifndef _WIN32
-  std::replace(p.begin(), p.end(), '\\', '/');
-#endif
-  return p;
-}
+std::string NativePath(const String& path) { return platform::FilePath::Native(path); }
 
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }

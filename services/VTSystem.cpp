@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/FilePath.h"
 #include "platform/User.h"
 #include "runtime/Strings.h"
 #include "services/HostSystem.h"
@@ -46,14 +47,10 @@ void GuardedVoid(F&& body) noexcept {
   }
 }
 
-// The path as the file system takes it: "\" separates folders as "/" does,
-// and a path that is empty or holds a NUL names no file (the narrow API the
-// host's code was written for would cut it there and reach another file).
 std::optional<std::string> NativePath(StringView path) {
-  if (path.empty() || path.find(u'\0') != StringView::npos) return std::nullopt;
-  String p(path);
-  std::replace(p.begin(), p.end(), u'\\', u'/');
-  return ToUtf8(p);
+  std::string native = platform::FilePath::Native(path);
+  if (native.empty()) return std::nullopt;
+  return native;
 }
 
 std::optional<struct stat> StatOf(StringView path) {

@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "platform/FilePath.h"
 #include "server/Registry.h"
 #include "server/TypeLibrary.h"
 
@@ -32,15 +33,7 @@ size_t WorkingSize(size_t size) {
   return static_cast<size_t>(std::llround(static_cast<double>(size) * 1.01 + 12.0));
 }
 
-// Hosts write Windows paths; on other systems "\" is taken for the separator
-// it stood for.
-std::string NativePath(const String& path) {
-  std::string p = ToUtf8(path);
-#ifndef _WIN32
-  std::replace(p.begin(), p.end(), '\\', '/');
-#endif
-  return p;
-}
+std::string NativePath(const String& path) { return platform::FilePath::Native(path); }
 
 struct FileCloser {
   void operator()(std::FILE* f) const { std::fclose(f); }

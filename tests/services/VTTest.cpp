@@ -15,7 +15,7 @@ TEST(VT, IsMadeByNameAndAnswersThroughDispatch) {
   ASSERT_NE(vt, nullptr);
   EXPECT_EQ(vt->ClassName(), u"VT");
   for (const auto& m : vt->Info().dispatch.members) {
-    const bool later = m.name == "USMsgBox" || m.name == "USMsgBoxEx" || m.name == "VT_CarregarImagem";
+    const bool later = m.name == "USMsgBox" || m.name == "USMsgBoxEx";
     EXPECT_EQ(vt->Implements(m.name, server::InvokeKind::Method), !later) << m.name;
   }
   Err().Clear();
