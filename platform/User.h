@@ -654,6 +654,37 @@ constexpr UINT TTM_SETTIPTEXTCOLOR = WM_USER + 20;
 constexpr UINT TTM_SETTITLEA = WM_USER + 32;
 constexpr UINT TTM_ADDTOOLW = WM_USER + 50;
 constexpr UINT TTM_SETTITLEW = WM_USER + 33;
+constexpr UINT TTM_ACTIVATE = WM_USER + 1;
+constexpr UINT TTM_DELTOOLA = WM_USER + 5;
+constexpr UINT TTM_RELAYEVENT = WM_USER + 7;
+constexpr UINT TTM_GETTOOLINFOA = WM_USER + 8;
+constexpr UINT TTM_UPDATETIPTEXTA = WM_USER + 12;
+constexpr UINT TTM_GETTOOLCOUNT = WM_USER + 13;
+constexpr UINT TTM_GETCURRENTTOOLA = WM_USER + 15;
+constexpr UINT TTM_GETDELAYTIME = WM_USER + 21;
+constexpr UINT TTM_GETTIPBKCOLOR = WM_USER + 22;
+constexpr UINT TTM_GETTIPTEXTCOLOR = WM_USER + 23;
+constexpr UINT TTM_SETMAXTIPWIDTH = WM_USER + 24;
+constexpr UINT TTM_GETMAXTIPWIDTH = WM_USER + 25;
+constexpr UINT TTM_POP = WM_USER + 28;
+constexpr UINT TTM_GETTITLE = WM_USER + 35;
+constexpr UINT TTM_DELTOOLW = WM_USER + 51;
+constexpr UINT TTM_GETTOOLINFOW = WM_USER + 53;
+constexpr UINT TTM_UPDATETIPTEXTW = WM_USER + 57;
+constexpr UINT TTM_GETCURRENTTOOLW = WM_USER + 59;
+// TTM_SETDELAYTIME and TTM_GETDELAYTIME: which delay.
+constexpr WPARAM TTDT_AUTOMATIC = 0;
+constexpr WPARAM TTDT_RESHOW = 1;
+constexpr WPARAM TTDT_AUTOPOP = 2;
+constexpr WPARAM TTDT_INITIAL = 3;
+// TTM_SETTITLE icons.
+constexpr WPARAM TTI_NONE = 0;
+constexpr WPARAM TTI_INFO = 1;
+constexpr WPARAM TTI_WARNING = 2;
+constexpr WPARAM TTI_ERROR = 3;
+// The system class, known without registration.
+inline constexpr char TOOLTIPS_CLASSA[] = "tooltips_class32";
+inline constexpr char16_t TOOLTIPS_CLASSW[] = u"tooltips_class32";
 
 // ---------------------------------------------------------------- records
 struct WNDCLASSEXW {
@@ -818,6 +849,19 @@ struct TOOLINFOA {
   LPSTR lpszText;
   LPARAM lParam;
   void* lpReserved;
+};
+
+// The first form of the records ends with the text: 44 bytes where pointers
+// have 32 bits. The tip window takes no smaller record.
+constexpr UINT TTTOOLINFOA_V1_SIZE = static_cast<UINT>(offsetof(TOOLINFOA, lParam));
+constexpr UINT TTTOOLINFOW_V1_SIZE = static_cast<UINT>(offsetof(TOOLINFOW, lParam));
+
+// TTM_GETTITLE.
+struct TTGETTITLE {
+  DWORD dwSize;
+  UINT uTitleBitmap;
+  UINT cch;
+  WCHAR* pszTitle;
 };
 
 // ---------------------------------------------------------------- classes

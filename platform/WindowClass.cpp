@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/ToolTipWindow.h"
+
 namespace vantor::platform {
 
 namespace {
@@ -11,6 +13,10 @@ constexpr ATOM kFirstAtom = 0xC000;
 
 struct Registry {
   std::vector<std::shared_ptr<WindowClass>> classes;
+  // The platform's system classes need no registration: each is made the
+  // first time its name is asked for. An application's class of the same name
+  // comes first, and none of them can be unregistered.
+  std::vector<std::shared_ptr<WindowClass>> system;
   ATOM next_atom = kFirstAtom;
 };
 
@@ -31,6 +37,26 @@ bool SameName(const String& a, LPCWSTR b) {
   return b[i] == 0;
 }
 
+std::shared_ptr<WindowClass> MakeSystemClass(LPCWSTR name) {
+  if (SameName(TOOLTIPS_CLASSW, name)) return MakeToolTipClass();
+  return nullptr;
+}
+
+std::shared_ptr<WindowClass> FindIn(const std::vector<std::shared_ptr<WindowClass>>& v,
+                                    LPCWSTR name) {
+  if (IS_INTRESOURCE(name)) {
+    const auto atom = static_cast<ATOM>(reinterpret_cast<uintptr_t>(name));
+    for (auto& c : v) {
+      if (c->atom == atom) return c;
+    }
+    return nullptr;
+  }
+  for (auto& c : v) {
+    if (SameName(c->name, name)) return c;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 ATOM WindowClass::Register(std::shared_ptr<WindowClass> cls) {
@@ -39,7 +65,7 @@ ATOM WindowClass::Register(std::shared_ptr<WindowClass> cls) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return 0;
   }
-  if (Find(cls->name.c_str())) {
+  if (FindIn(TheRegistry().classes, cls->name.c_str())) {
     SetLastError(ERROR_CLASS_ALREADY_EXISTS);
     return 0;
   }
@@ -57,21 +83,19 @@ ATOM WindowClass::Register(std::shared_ptr<WindowClass> cls) {
 std::shared_ptr<WindowClass> WindowClass::Find(LPCWSTR name) {
   if (name == nullptr) return nullptr;
   Registry& r = TheRegistry();
-  if (IS_INTRESOURCE(name)) {
-    const auto atom = static_cast<ATOM>(reinterpret_cast<uintptr_t>(name));
-    for (auto& c : r.classes) {
-      if (c->atom == atom) return c;
-    }
-    return nullptr;
+  if (auto cls = FindIn(r.classes, name)) return cls;
+  if (auto cls = FindIn(r.system, name)) return cls;
+  if (IS_INTRESOURCE(name) || r.next_atom == 0xFFFF) return nullptr;
+  auto cls = MakeSystemClass(name);
+  if (cls) {
+    cls->atom = r.next_atom++;
+    r.system.push_back(cls);
   }
-  for (auto& c : r.classes) {
-    if (SameName(c->name, name)) return c;
-  }
-  return nullptr;
+  return cls;
 }
 
 bool WindowClass::Unregister(LPCWSTR name) {
-  auto cls = Find(name);
+  auto cls = name == nullptr ? nullptr : FindIn(TheRegistry().classes, name);
   if (!cls) {
     SetLastError(ERROR_CLASS_DOES_NOT_EXIST);
     return false;
@@ -87,6 +111,7 @@ bool WindowClass::Unregister(LPCWSTR name) {
 
 void WindowClass::UnregisterAll() {
   TheRegistry().classes.clear();
+  TheRegistry().system.clear();
   TheRegistry().next_atom = kFirstAtom;
 }
 
