@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "runtime/Conversion.h"
@@ -75,22 +76,32 @@ void Apply(const LabelTag& tag, LabelSegment& segment) {
 
 bool Blank(StringView text) { return Trim(text).empty(); }
 
-// Where the text may be cut so that what stays on the line ends by `room`:
-// the last blank that fits, leaving something on a line of its own. When no
-// blank fits, the first blank that leaves a word behind keeps the overflow
-// to one word. npos when the text has no blank to cut at.
-size_t CutAt(const String& text, double x, double width, bool bold, bool italic,
-             const LabelSegments::WidthFn& widthOf) {
+// A cut: the text before `head` stays, the text from `tail` goes to a new line.
+struct Cut {
+  size_t head = 0;
+  size_t tail = 0;
+};
+
+// Where a text that runs past the width is cut: at the last blank that
+// leaves what stays within the width (and something on a line of its own).
+// When no blank fits, a segment that begins a word (after a blank, on a
+// line already begun) goes to the next line whole; otherwise the first blank
+// that leaves a word behind keeps the overflow to that one word. Nothing
+// when the text has no place to cut.
+std::optional<Cut> CutAt(const String& text, double x, double width, bool afterBlank, bool bold,
+                         bool italic, const LabelSegments::WidthFn& widthOf) {
   const bool lineStart = x <= 0;
-  for (size_t p = text.rfind(u' '); p != String::npos; p = p == 0 ? String::npos : text.rfind(u' ', p - 1)) {
+  for (size_t p = text.rfind(u' '); p != String::npos;
+       p = p == 0 ? String::npos : text.rfind(u' ', p - 1)) {
     const String head = RTrim(StringView(text).substr(0, p));
     if (head.empty() && lineStart) break;
-    if (x + widthOf(head, bold, italic) <= width) return p;
+    if (x + widthOf(head, bold, italic) <= width) return Cut{p, p + 1};
   }
+  if (!lineStart && afterBlank) return Cut{0, 0};
   for (size_t p = text.find(u' '); p != String::npos; p = text.find(u' ', p + 1)) {
-    if (!Blank(StringView(text).substr(0, p)) || !lineStart) return p;
+    if (!Blank(StringView(text).substr(0, p)) || !lineStart) return Cut{p, p + 1};
   }
-  return String::npos;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -166,22 +177,28 @@ std::vector<LabelSegment> LabelSegments::Parse(StringView caption, const LabelSt
 void LabelSegments::Wrap(std::vector<LabelSegment>& segments, double width,
                          const WidthFn& widthOf) {
   double x = 0;
+  bool afterBlank = false;  // the line so far ends in a blank
   size_t i = 0;
   while (i < segments.size()) {
     LabelSegment& segment = segments[i];
-    if (segment.NewLine) x = 0;
+    if (segment.NewLine) {
+      x = 0;
+      afterBlank = false;
+    }
     String text = segment.Text;
     size_t mark = text.find(kMarker);
     if (mark == String::npos && x + widthOf(text, segment.Bold, segment.Italic) > width) {
-      const size_t cut = CutAt(text, x, width, segment.Bold, segment.Italic, widthOf);
-      if (cut != String::npos) {
-        const String head = RTrim(StringView(text).substr(0, cut));
+      const std::optional<Cut> cut =
+          CutAt(text, x, width, afterBlank, segment.Bold, segment.Italic, widthOf);
+      if (cut) {
+        const String head = RTrim(StringView(text).substr(0, cut->head));
         mark = head.size();
-        text = head + String(kMarker) + String(StringView(text).substr(cut + 1));
+        text = head + String(kMarker) + String(StringView(text).substr(cut->tail));
       }
     }
     if (mark == String::npos) {
       x += widthOf(segment.Text, segment.Bold, segment.Italic);
+      if (!segment.Text.empty()) afterBlank = segment.Text.back() == u' ';
       ++i;
       continue;
     }

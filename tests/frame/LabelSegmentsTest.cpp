@@ -229,6 +229,11 @@ TEST(LabelWrap, CutsAtTheLastBlankThatFits) {
       {{"/{abcdefghij}"}, 50, {"/{abcdefghij}"}},
       // A segment that begins with a blank moves to the next line whole.
       {{"/{aaaa}", "b{ bbbbb}"}, 60, {"/{aaaa}", "b{}", "/b{bbbbb}"}},
+      // A word that starts after a blank and does not fit goes to the next
+      // line whole; glued to the text before it, it stays.
+      {{"/{aaaa }", "b{bbbbb}"}, 60, {"/{aaaa }", "b{}", "/b{bbbbb}"}},
+      {{"/{aaaa}", "b{bbbbb}"}, 60, {"/{aaaa}", "b{bbbbb}"}},
+      {{"/{aaaa }", "b{bb cc}"}, 60, {"/{aaaa }", "b{}", "/b{bb cc}"}},
       // Only blanks past the width: the next segment starts a line.
       {{"/{aaa }", "{b}"}, 35, {"/{aaa}", "/{b}"}},
       // The reserved word breaks wherever it stands.
