@@ -1,5 +1,7 @@
 #include "host/LibraryClasses.h"
 
+#include "frame/USButton.h"
+#include "frame/USLabel.h"
 #include "frame/clsMouseEvents.h"
 #include "imaging/IItemData.h"
 #include "imaging/USImageList.h"
@@ -7,6 +9,7 @@
 #include "imaging/cImageLists.h"
 #include "imaging/cListImage.h"
 #include "imaging/cListImages.h"
+#include "plumbing/VT_TOOLTIP.h"
 #include "services/VT.h"
 #include "services/VT_COMMONDIALOGS.h"
 #include "services/VT_ZLIB.h"
@@ -16,6 +19,9 @@ namespace vantor::host {
 void RegisterLibraryClasses() {
   static const bool done = [] {
     frame::clsMouseEvents::Register();
+    frame::USButton::Register();
+    frame::USLabel::Register();
+    plumbing::VT_TOOLTIP::Register();
     services::VT::Register();
     services::VT_ZLIB::Register();
     services::VT_COMMONDIALOGS::Register();
