@@ -18,6 +18,7 @@
 #include "runtime/Strings.h"
 #include "tools/vantor/CallCommand.h"
 #include "tools/vantor/DemoWindow.h"
+#include "tools/vantor/GalleryCommand.h"
 #include "tools/vantor/ImageCommand.h"
 #include "tools/vantor/TypeLibCommand.h"
 
@@ -61,6 +62,8 @@ int Usage() {
       "    NAME:=ARG is a named argument, after the positional ones. Results print as the\n"
       "    locale writes them, byte arrays in hexadecimal; then each by-reference parameter\n"
       "    as NAME = VALUE. Exit status: 0 done, 1 the call failed, 2 a malformed command.\n"
+      "  gallery OUTDIR          every control in every theme and state as PNG pictures,\n"
+      "                          with an index.html that shows them side by side\n"
       "  image info FILE         a picture's Width, Height, ImageType and Alpha\n"
       "  image convert [--quality N] [--filter N] IN OUT\n"
       "                          read IN as the surface reads pictures, write OUT by its\n"
@@ -129,6 +132,12 @@ int main(int argc, char** argv) {
     vantor::host::RegisterLibraryClasses();
     const int status = cmd == "typelib" ? vantor::tools::RunTypeLib(rest, std::cout, std::cerr)
                                         : vantor::tools::RunCall(rest, std::cout, std::cerr);
+    std::cout.flush();
+    return status;
+  }
+  if (cmd == "gallery") {
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    const int status = vantor::tools::RunGallery(rest, std::cout, std::cerr);
     std::cout.flush();
     return status;
   }
