@@ -28,11 +28,11 @@ bool Classify(const String& tag, uint32_t foreColor, LabelTag& out) {
     const char16_t* value;
   };
   static constexpr Known kKnown[] = {
-      {u"<b>", kTagBold, u"True"},          {u"</b>", kTagBold, u"False"},
-      {u"<strong>", kTagBold, u"True"},     {u"</strong>", kTagBold, u"False"},
-      {u"<i>", kTagItalic, u"True"},        {u"</i>", kTagItalic, u"False"},
-      {u"<u>", kTagUnderline, u"True"},     {u"</u>", kTagUnderline, u"False"},
-      {u"<s>", kTagStrike, u"True"},        {u"</s>", kTagStrike, u"False"},
+      {u"<b>", kTagBold, u"True"},      {u"</b>", kTagBold, u"False"},
+      {u"<strong>", kTagBold, u"True"}, {u"</strong>", kTagBold, u"False"},
+      {u"<i>", kTagItalic, u"True"},    {u"</i>", kTagItalic, u"False"},
+      {u"<u>", kTagUnderline, u"True"}, {u"</u>", kTagUnderline, u"False"},
+      {u"<s>", kTagStrike, u"True"},    {u"</s>", kTagStrike, u"False"},
   };
   for (const Known& k : kKnown) {
     if (tag == k.text) {
@@ -64,17 +64,32 @@ bool Classify(const String& tag, uint32_t foreColor, LabelTag& out) {
 void Apply(const LabelTag& tag, LabelSegment& segment) {
   const bool on = tag.Value == u"True";
   switch (tag.Kind) {
-    case kTagBold: segment.Bold = on; break;
-    case kTagItalic: segment.Italic = on; break;
-    case kTagUnderline: segment.Underline = on; break;
-    case kTagStrike: segment.Strikethrough = on; break;
-    case kTagColour: segment.Colour = LabelSegments::ColourOf(tag.Value); break;
-    case kTagBreak: segment.NewLine = true; break;
-    default: break;
+    case kTagBold:
+      segment.Bold = on;
+      break;
+    case kTagItalic:
+      segment.Italic = on;
+      break;
+    case kTagUnderline:
+      segment.Underline = on;
+      break;
+    case kTagStrike:
+      segment.Strikethrough = on;
+      break;
+    case kTagColour:
+      segment.Colour = LabelSegments::ColourOf(tag.Value);
+      break;
+    case kTagBreak:
+      segment.NewLine = true;
+      break;
+    default:
+      break;
   }
 }
 
-bool Blank(StringView text) { return Trim(text).empty(); }
+bool Blank(StringView text) {
+  return Trim(text).empty();
+}
 
 // A cut: the text before `head` stays, the text from `tail` goes to a new line.
 struct Cut {

@@ -20,7 +20,7 @@ namespace {
 // The container's fixed factor between its twips and our pixels.
 constexpr float kTwipsPerPixel = 15.0f;
 
-// ShellExecuteA's SW_SHOWNORMAL... as the label passes it: 5, SW_SHOW.
+// The show state OpenUrl asks for: 5, SW_SHOW.
 constexpr int32_t kShowState = 5;
 
 USLabel::UrlOpener& Opener() {
@@ -49,14 +49,16 @@ class Fonts {
   Fonts& operator=(const Fonts&) = delete;
 
   HFONT Get(bool bold, bool italic, bool underline, bool strike) {
-    const size_t key = (bold ? 1u : 0u) | (italic ? 2u : 0u) | (underline ? 4u : 0u) |
-                       (strike ? 8u : 0u);
+    const size_t key =
+        (bold ? 1u : 0u) | (italic ? 2u : 0u) | (underline ? 4u : 0u) | (strike ? 8u : 0u);
     if (!fonts_[key]) {
       LOGFONTW lf = base_;
       // Bold is a weight, as the font object sees it: an unbolded face keeps
       // a light weight it was given.
-      if (bold) lf.lfWeight = FW_BOLD;
-      else if (lf.lfWeight > 550) lf.lfWeight = FW_NORMAL;
+      if (bold)
+        lf.lfWeight = FW_BOLD;
+      else if (lf.lfWeight > 550)
+        lf.lfWeight = FW_NORMAL;
       lf.lfItalic = italic ? 1 : 0;
       lf.lfUnderline = underline ? 1 : 0;
       lf.lfStrikeOut = strike ? 1 : 0;
@@ -126,7 +128,7 @@ class Busy {
 
 }  // namespace
 
-// Kept for the routines of one Refresh; see Refresh.
+// What one Refresh draws and measures with: made once, released with it.
 struct USLabel::Drawing {
   Fonts fonts;
   MeasureDC measure;
@@ -145,7 +147,9 @@ void USLabel::Register() {
   server::Registry::Instance().Register("USLabel", [] { return std::make_shared<USLabel>(); });
 }
 
-void USLabel::SetUrlOpener(UrlOpener opener) { Opener() = std::move(opener); }
+void USLabel::SetUrlOpener(UrlOpener opener) {
+  Opener() = std::move(opener);
+}
 
 const server::Bindings* USLabel::Bound() const {
   // About waits for the themed message box; it answers "not implemented"
@@ -307,7 +311,8 @@ void USLabel::ReadProperties(const server::PropertyBag& bag) {
   if (!f) f = a.Font;
   font_ = f ? f->Clone() : std::make_shared<server::StdFont>();
   const Variant icon = bag.ReadProperty(u"MouseIcon");
-  if (icon.ObjectRef()) SetMouseIcon(std::dynamic_pointer_cast<server::StdPicture>(*icon.ObjectRef()));
+  if (icon.ObjectRef())
+    SetMouseIcon(std::dynamic_pointer_cast<server::StdPicture>(*icon.ObjectRef()));
   SetMousePointer(bag.ReadProperty(u"MousePointer", Variant(int16_t{0})).ToInteger());
   autoSize_ = bag.ReadProperty(u"Autosize", Variant(true)).ToBoolean();
   backColor_ = static_cast<uint32_t>(
@@ -349,7 +354,9 @@ void USLabel::Resize() {
   Refresh();
 }
 
-void USLabel::Show() { Refresh(); }
+void USLabel::Show() {
+  Refresh();
+}
 
 void USLabel::Terminate() {
   closing_ = true;
@@ -374,10 +381,8 @@ void USLabel::AttachMouse(bool userMode) {
   mouseEx_ = std::make_shared<clsMouseEvents>();
   mouseEx_->MouseIn.Connect([this] { MouseEnterEvent(); });
   mouseEx_->MouseOut.Connect([this] { MouseExitEvent(); });
-  mouseEx_->MouseMove.Connect(
-      [this](int32_t, int32_t, int32_t button, int32_t shift, int32_t x, int32_t y) {
-        OnMouseMove(button, shift, x, y);
-      });
+  mouseEx_->MouseMove.Connect([this](int32_t, int32_t, int32_t button, int32_t shift, int32_t x,
+                                     int32_t y) { OnMouseMove(button, shift, x, y); });
   mouseEx_->Attach(static_cast<int32_t>(reinterpret_cast<uintptr_t>(hWnd())));
 }
 
@@ -389,9 +394,15 @@ void USLabel::OnMouseMove(int32_t button, int32_t shift, int32_t x, int32_t y) {
   MouseMoveEvent(b, s, fx, fy);
 }
 
-void USLabel::KeyDown(int16_t& keyCode, int16_t& shift) { KeyDownEvent(keyCode, shift); }
-void USLabel::KeyPress(int16_t& keyAscii) { KeyPressEvent(keyAscii); }
-void USLabel::KeyUp(int16_t& keyCode, int16_t& shift) { KeyUpEvent(keyCode, shift); }
+void USLabel::KeyDown(int16_t& keyCode, int16_t& shift) {
+  KeyDownEvent(keyCode, shift);
+}
+void USLabel::KeyPress(int16_t& keyAscii) {
+  KeyPressEvent(keyAscii);
+}
+void USLabel::KeyUp(int16_t& keyCode, int16_t& shift) {
+  KeyUpEvent(keyCode, shift);
+}
 
 void USLabel::MouseDown(int16_t button, int16_t shift, float x, float y) {
   MouseDownEvent(button, shift, x, y);
@@ -401,8 +412,12 @@ void USLabel::MouseUp(int16_t button, int16_t shift, float x, float y) {
   MouseUpEvent(button, shift, x, y);
 }
 
-void USLabel::Click() { ClickEvent(); }
-void USLabel::DblClick() { DblClickEvent(); }
+void USLabel::Click() {
+  ClickEvent();
+}
+void USLabel::DblClick() {
+  DblClickEvent();
+}
 
 // ---- painting
 
@@ -471,8 +486,7 @@ void USLabel::NewLine(Drawing& d) {
 void USLabel::Print(Drawing& d, StringView text, bool lineEnd) {
   HDC dc = hDC();
   if (!dc) return;
-  HGDIOBJ old =
-      SelectObject(dc, d.fonts.Get(pen_.bold, pen_.italic, pen_.underline, pen_.strike));
+  HGDIOBJ old = SelectObject(dc, d.fonts.Get(pen_.bold, pen_.italic, pen_.underline, pen_.strike));
   const int oldMode = SetBkMode(dc, TRANSPARENT);
   const COLORREF oldColour = SetTextColor(dc, Translate(pen_.foreColor));
   const UINT oldAlign = SetTextAlign(dc, TA_LEFT | TA_TOP | TA_NOUPDATECP);

@@ -72,12 +72,23 @@ std::vector<LabelSegment> Make(const std::vector<std::string>& described) {
     size_t i = 0;
     for (; d[i] != '{'; ++i) {
       switch (d[i]) {
-        case '/': s.NewLine = true; break;
-        case 'b': s.Bold = true; break;
-        case 'i': s.Italic = true; break;
-        case 'u': s.Underline = true; break;
-        case 's': s.Strikethrough = true; break;
-        default: break;
+        case '/':
+          s.NewLine = true;
+          break;
+        case 'b':
+          s.Bold = true;
+          break;
+        case 'i':
+          s.Italic = true;
+          break;
+        case 'u':
+          s.Underline = true;
+          break;
+        case 's':
+          s.Strikethrough = true;
+          break;
+        default:
+          break;
       }
     }
     s.Text = FromUtf8(d.substr(i + 1, d.size() - i - 2));
@@ -139,11 +150,21 @@ TEST(LabelTagSearch, ColourTextIsReadPartByPartInBgrOrder) {
     const char16_t* text;
     uint32_t colour;
   } cases[] = {
-      {u"255,0,0", 0x0000FF},     {u"0,255,0", 0x00FF00},  {u"0,0,255", 0xFF0000},
-      {u"1,2,3", 0x030201},       {u"1,1", 0x000101},      {u"16777215", 0xFFFFFF},
-      {u"&&HFF", 0x0000FF},       {u"&&h10,&&h20", 0x2010}, {u" 12 , 34 ", 0x220C},
-      {u"abc", 0},                {u"", 0},                {u"-2147483640", 0x80000008},
-      {u"7x,2", 0x0207},          {u"1.5", 2},             {u"0,0,0,1", 0x01000000},
+      {u"255,0,0", 0x0000FF},
+      {u"0,255,0", 0x00FF00},
+      {u"0,0,255", 0xFF0000},
+      {u"1,2,3", 0x030201},
+      {u"1,1", 0x000101},
+      {u"16777215", 0xFFFFFF},
+      {u"&&HFF", 0x0000FF},
+      {u"&&h10,&&h20", 0x2010},
+      {u" 12 , 34 ", 0x220C},
+      {u"abc", 0},
+      {u"", 0},
+      {u"-2147483640", 0x80000008},
+      {u"7x,2", 0x0207},
+      {u"1.5", 2},
+      {u"0,0,0,1", 0x01000000},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(ToUtf8(c.text));
@@ -261,9 +282,9 @@ TEST(LabelMeasure, WidestLineAndHeightOfThePlainText) {
     double width, height;
     const char* plain;
   } cases[] = {
-      {u"", 10, 16, ""},          // an empty caption measures as "Q"
+      {u"", 10, 16, ""},  // an empty caption measures as "Q"
       {u"   ", 10, 16, ""},
-      {u"a", 10, 16, "a"},        // never narrower than "Q"
+      {u"a", 10, 16, "a"},  // never narrower than "Q"
       {u"abc", 30, 16, "abc"},
       {u"aa<br>bbbb", 40, 32, "aa\r\nbbbb"},
       {u"aa <b>bb</b><br>c", 54, 32, "aa bb\r\nc"},
@@ -272,8 +293,7 @@ TEST(LabelMeasure, WidestLineAndHeightOfThePlainText) {
   for (const auto& c : cases) {
     SCOPED_TRACE(ToUtf8(c.caption));
     const std::vector<LabelSegment> s = LabelSegments::Parse(c.caption, Plain());
-    const LabelExtent e =
-        LabelSegments::Measure(s, c.caption, false, false, FakeWidth, FakeHeight);
+    const LabelExtent e = LabelSegments::Measure(s, c.caption, false, false, FakeWidth, FakeHeight);
     EXPECT_EQ(e.Width, c.width);
     EXPECT_EQ(e.Height, c.height);
     EXPECT_EQ(ToUtf8(e.PlainText), c.plain);
@@ -285,8 +305,7 @@ TEST(LabelMeasure, WidestLineAndHeightOfThePlainText) {
 }
 
 TEST(LabelPlainText, LinesJoinWithCrLf) {
-  EXPECT_EQ(ToUtf8(LabelSegments::PlainText(Make({"/{a}", "b{b}", "/{c}", "/{}"}))),
-            "ab\r\nc\r\n");
+  EXPECT_EQ(ToUtf8(LabelSegments::PlainText(Make({"/{a}", "b{b}", "/{c}", "/{}"}))), "ab\r\nc\r\n");
   EXPECT_EQ(ToUtf8(LabelSegments::PlainText(Make({"/{}"}))), "");
 }
 

@@ -212,7 +212,8 @@ TEST_F(LabelTest, EveryKeyGoesAndComesBackThroughTheFormText) {
   label.put_ForeColor(0x00800000);
   label.put_MousePointer(server::vbIbeam);
   const uint32_t pixel = 0xFF102030;
-  label.putref_MouseIcon(server::StdPicture::FromPixels(1, 1, std::span<const uint32_t>(&pixel, 1)));
+  label.putref_MouseIcon(
+      server::StdPicture::FromPixels(1, 1, std::span<const uint32_t>(&pixel, 1)));
   label.put_FontBold(true);
   label.put_FontSize(12);
 
@@ -221,8 +222,8 @@ TEST_F(LabelTest, EveryKeyGoesAndComesBackThroughTheFormText) {
   std::vector<std::string> keys;
   for (const String& k : bag.Names()) keys.push_back(ToUtf8(k));
   std::sort(keys.begin(), keys.end());
-  EXPECT_EQ(keys, (std::vector<std::string>{"Autosize", "BackColor", "BackStyle", "Caption",
-                                            "Font", "ForeColor", "MouseIcon", "MousePointer",
+  EXPECT_EQ(keys, (std::vector<std::string>{"Autosize", "BackColor", "BackStyle", "Caption", "Font",
+                                            "ForeColor", "MouseIcon", "MousePointer",
                                             "NoHTMLCaption", "WordWrap"}));
   EXPECT_EQ(bag.ReadProperty(u"NoHTMLCaption").ToString(), u"Total: R$ 10,00");
 
@@ -260,7 +261,8 @@ TEST_F(LabelTest, SettersReportAChangeOnlyWhenThereIsOne) {
       {"FontStrikeThru", Variant(false), Variant(true)},
       {"FontSize", Variant(8.25f), Variant(10.0f)},
       {"MouseIcon", Variant(ObjectPtr(nullptr)),
-       Variant(ObjectPtr(server::StdPicture::FromPixels(1, 1, std::span<const uint32_t>(&pixel, 1))))},
+       Variant(
+           ObjectPtr(server::StdPicture::FromPixels(1, 1, std::span<const uint32_t>(&pixel, 1))))},
   };
   const auto expectOneChange = [&](const char* name, Variant same, Variant changed) {
     SCOPED_TRACE(name);
@@ -335,7 +337,8 @@ TEST_F(LabelTest, AutoSizeTakesTheSizeOfTheText) {
 
   // Lines: the widest one, and one line height each.
   label.put_Caption(u"curta<br>uma linha mais longa<br>fim");
-  EXPECT_EQ(label.get_CaptionWidth(), static_cast<float>(Measured(font, u"uma linha mais longa").width));
+  EXPECT_EQ(label.get_CaptionWidth(),
+            static_cast<float>(Measured(font, u"uma linha mais longa").width));
   EXPECT_EQ(site_.height, static_cast<float>(3 * one.lineHeight * 15));
 
   // Bold runs are measured bold.
@@ -387,12 +390,12 @@ TEST_F(LabelTest, OpenUrlHandsTheAddressToTheProgramsOpener) {
 class LabelEvents : public LabelTest {
  protected:
   uint32_t Listen(host::Form& form) {
-    return form.Subscribe([this](const String&, const server::MemberInfo& event,
-                                 std::span<Variant> args) {
-      std::string line(event.name);
-      for (const Variant& a : args) line += " " + ToUtf8(a.Deref().ToString());
-      heard_.push_back(line);
-    });
+    return form.Subscribe(
+        [this](const String&, const server::MemberInfo& event, std::span<Variant> args) {
+          std::string line(event.name);
+          for (const Variant& a : args) line += " " + ToUtf8(a.Deref().ToString());
+          heard_.push_back(line);
+        });
   }
   std::vector<std::string> Heard(const std::vector<std::string>& names) const {
     std::vector<std::string> out;
@@ -434,8 +437,8 @@ TEST_F(LabelEvents, HoverClicksAndKeysReachTheProgram) {
   heard_.clear();
   screen_.DoubleClick(p.x, p.y);
   EXPECT_EQ(Heard({"MouseDown", "MouseUp", "Click", "DblClick"}),
-            (std::vector<std::string>{"MouseDown 1 0 10 5", "MouseUp 1 0 10 5", "Click",
-                                      "DblClick", "MouseUp 1 0 10 5"}));
+            (std::vector<std::string>{"MouseDown 1 0 10 5", "MouseUp 1 0 10 5", "Click", "DblClick",
+                                      "MouseUp 1 0 10 5"}));
   heard_.clear();
   screen_.Type(u"a");
   EXPECT_EQ(Heard({"KeyDown", "KeyPress", "KeyUp"}),
@@ -479,7 +482,8 @@ TEST_F(LabelTest, CaptionsAsDrawn) {
       {"label_styles", u"Normal <b>negrito</b>, <i>itálico</i>, <u>sublinhado</u>, <s>riscado</s>",
        300, 20, false, 0},
       {"label_colours",
-       u"<c=255,0,0>vermelho</c> <c=0,128,0>verde</c> <c=0,0,255>azul</c> <c=&&H80>escuro</c> padrão",
+       u"<c=255,0,0>vermelho</c> <c=0,128,0>verde</c> <c=0,0,255>azul</c> <c=&&H80>escuro</c> "
+       u"padrão",
        300, 20, false, 0},
       {"label_breaks", u"Primeira linha<br>Segunda <b>linha</b><br><br>Quarta, depois de uma vazia",
        220, 64, false, 0},
