@@ -249,44 +249,36 @@ void USButton::putref_Font(FontPtr v) {
   Refresh();
 }
 
-bool USButton::get_FontBold() const { return font_ && font_->get_Bold(); }
-void USButton::put_FontBold(bool v) {
-  if (!font_ || font_->get_Bold() == v) return;
-  font_->put_Bold(v);
+template <class T, class Get, class Put>
+void USButton::PutFontPart(Get get, Put put, T v) {
+  if (!font_ || ((*font_).*get)() == v) return;
+  ((*font_).*put)(v);
   PropertyChanged(u"Font");
   Refresh();
 }
+
+bool USButton::get_FontBold() const { return font_ && font_->get_Bold(); }
+void USButton::put_FontBold(bool v) {
+  PutFontPart(&server::StdFont::get_Bold, &server::StdFont::put_Bold, v);
+}
 bool USButton::get_FontItalic() const { return font_ && font_->get_Italic(); }
 void USButton::put_FontItalic(bool v) {
-  if (!font_ || font_->get_Italic() == v) return;
-  font_->put_Italic(v);
-  PropertyChanged(u"Font");
-  Refresh();
+  PutFontPart(&server::StdFont::get_Italic, &server::StdFont::put_Italic, v);
 }
 float USButton::get_FontSize() const {
   return font_ ? static_cast<float>(font_->get_Size().ToDouble()) : 0.0f;
 }
 void USButton::put_FontSize(float v) {
-  if (!font_) return;
-  const std::optional<Currency> size = Currency::FromDouble(v);
-  if (!size || font_->get_Size() == *size) return;
-  font_->put_Size(*size);
-  PropertyChanged(u"Font");
-  Refresh();
+  if (const std::optional<Currency> size = Currency::FromDouble(v))
+    PutFontPart(&server::StdFont::get_Size, &server::StdFont::put_Size, *size);
 }
 bool USButton::get_FontStrikeThru() const { return font_ && font_->get_Strikethrough(); }
 void USButton::put_FontStrikeThru(bool v) {
-  if (!font_ || font_->get_Strikethrough() == v) return;
-  font_->put_Strikethrough(v);
-  PropertyChanged(u"Font");
-  Refresh();
+  PutFontPart(&server::StdFont::get_Strikethrough, &server::StdFont::put_Strikethrough, v);
 }
 bool USButton::get_FontUnderline() const { return font_ && font_->get_Underline(); }
 void USButton::put_FontUnderline(bool v) {
-  if (!font_ || font_->get_Underline() == v) return;
-  font_->put_Underline(v);
-  PropertyChanged(u"Font");
-  Refresh();
+  PutFontPart(&server::StdFont::get_Underline, &server::StdFont::put_Underline, v);
 }
 
 int32_t USButton::get_hDC() const {
@@ -312,13 +304,15 @@ void USButton::putref_Picture(PicturePtr v) {
   Refresh();
 }
 
-void USButton::putref_PictureOn(PicturePtr v) {
+void USButton::PutStatePicture(PicturePtr& field, PicturePtr v, const char16_t* name,
+                               bool showing) {
   if (v && v->get_Type() == server::PictureType::None) v = nullptr;
   if (!v) {
-    pictureOn_ = nullptr;
-    PropertyChanged(u"PictureOn");
+    field = nullptr;
+    PropertyChanged(name);
     return;
   }
+  // Without a picture the state picture becomes the picture itself.
   if (!picture_) {
     putref_Picture(std::move(v));
     return;
@@ -326,28 +320,17 @@ void USButton::putref_PictureOn(PicturePtr v) {
   if (pictureSize_ == Picture_Normal &&
       (v->PixelWidth() != picture_->PixelWidth() || v->PixelHeight() != picture_->PixelHeight()))
     pictureSize_ = Picture_Custom;
-  pictureOn_ = std::move(v);
-  PropertyChanged(u"PictureOn");
-  if (mouseOver_) Redraw(-1, true);
+  field = std::move(v);
+  PropertyChanged(name);
+  if (showing) Redraw(-1, true);
+}
+
+void USButton::putref_PictureOn(PicturePtr v) {
+  PutStatePicture(pictureOn_, std::move(v), u"PictureOn", mouseOver_);
 }
 
 void USButton::putref_PictureOver(PicturePtr v) {
-  if (v && v->get_Type() == server::PictureType::None) v = nullptr;
-  if (!v) {
-    pictureOver_ = nullptr;
-    PropertyChanged(u"PictureOver");
-    return;
-  }
-  if (!picture_) {
-    putref_Picture(std::move(v));
-    return;
-  }
-  if (pictureSize_ == Picture_Normal &&
-      (v->PixelWidth() != picture_->PixelWidth() || v->PixelHeight() != picture_->PixelHeight()))
-    pictureSize_ = Picture_Custom;
-  pictureOver_ = std::move(v);
-  PropertyChanged(u"PictureOver");
-  if (pressed_) Redraw(-1, true);
+  PutStatePicture(pictureOver_, std::move(v), u"PictureOver", pressed_);
 }
 
 void USButton::putref_PictureToChange(PicturePtr v) {

@@ -249,6 +249,9 @@ class USButton : public server::UserControl {
   void SelectFont();
   template <class T>
   bool Assign(T& field, const T& value, const char16_t* name);
+  void PutStatePicture(PicturePtr& field, PicturePtr v, const char16_t* name, bool showing);
+  template <class T, class Get, class Put>
+  void PutFontPart(Get get, Put put, T v);
   template <int32_t... R>
   static void BindColors(server::Binder<USButton>& b, std::integer_sequence<int32_t, R...>);
 

@@ -277,6 +277,33 @@ TEST_F(USButtonTest, SettersReportOnlyChanges) {
   EXPECT_EQ(b.get_PictureSize(), Picture_Custom);
 }
 
+TEST_F(USButtonTest, FontPartsAndStatePictures) {
+  host::Form form;
+  USButton& b = Make(form);
+  const int paints = b.Paints();
+  b.put_FontBold(true);
+  EXPECT_TRUE(b.get_Font()->get_Bold());
+  EXPECT_EQ(b.Paints(), paints + 1);
+  b.put_FontBold(true);  // no change, no paint
+  b.put_FontSize(b.get_FontSize());
+  EXPECT_EQ(b.Paints(), paints + 1);
+  b.put_FontSize(12);
+  EXPECT_FLOAT_EQ(b.get_FontSize(), 12.0f);
+  // A state picture given before any picture becomes the picture; one of
+  // another size makes the size custom.
+  std::vector<uint32_t> px16(16 * 16, 0xFF2060C0u), px24(24 * 24, 0xFF20C060u);
+  auto small = server::StdPicture::FromPixels(16, 16, px16);
+  auto large = server::StdPicture::FromPixels(24, 24, px24);
+  b.putref_PictureOn(small);
+  EXPECT_EQ(b.get_Picture(), small);
+  EXPECT_EQ(b.get_PictureOn(), nullptr);
+  b.putref_PictureOver(large);
+  EXPECT_EQ(b.get_PictureOver(), large);
+  EXPECT_EQ(b.get_PictureSize(), Picture_Custom);
+  b.putref_PictureOver(nullptr);
+  EXPECT_EQ(b.get_PictureOver(), nullptr);
+}
+
 TEST_F(USButtonTest, ThemesWriteColoursOnce) {
   host::Form form;
   USButton& b = Make(form);
